@@ -1,0 +1,42 @@
+#pragma once
+
+// Creating the driver object by its ProgID. "Vlkd2208.CoDriver" resolves to the registered driver where the
+// platform has one (COM on Windows) and to the simulated instrument everywhere else, or always when the user
+// forces the simulator.
+
+#include "driver/Interfaces.h"
+#include "driver/Trace.h"
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+
+namespace vss {
+
+namespace sim {
+class SimInstrument;
+}
+
+inline constexpr std::string_view kDriverProgId = "Vlkd2208.CoDriver";
+inline constexpr std::string_view kDefaultResource = "QTB::R2208C";
+
+struct DriverOptions {
+    bool forceSimulator = false;          // --simulate
+    std::string simStatePath;             // --sim-state FILE; empty: the simulator's default path
+    bool simDelays = false;               // --sim-delays: realistic timing
+    std::shared_ptr<TraceSink> trace;     // --trace FILE: every driver call, one line each
+    // The instrument to simulate; when empty, one process-wide instrument made from the options above.
+    std::shared_ptr<sim::SimInstrument> simulator;
+};
+
+// Creates the driver object for progId. Throws DriverError with a clear description when the ProgID resolves
+// to nothing.
+std::shared_ptr<DriverObject> CreateDriverObject(std::string_view progId, const DriverOptions& options);
+
+// The platform's own resolver (the COM client on Windows): returns the object, nullptr when the ProgID is not
+// registered on this machine, or throws DriverError when creation fails.
+using PlatformResolver = std::function<std::shared_ptr<DriverObject>(std::string_view progId)>;
+void SetPlatformResolver(PlatformResolver resolver);
+
+} // namespace vss

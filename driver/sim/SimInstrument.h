@@ -1,0 +1,69 @@
+#pragma once
+
+// The simulated instrument: the tool's embedded default wherever the real driver is absent, what operators train
+// on and what every test runs against. One SimInstrument is one physical instrument; driver objects created on it
+// are sessions of the tool. Its non-volatile memory persists in a human-readable text file.
+
+#include "driver/Interfaces.h"
+#include "driver/Trace.h"
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+
+namespace vss::sim {
+
+struct SimOptions {
+    std::string statePath;          // non-volatile file; empty: defaultStatePath(); "-" or ":memory:": none
+    bool delays = false;            // realistic timing of loads, moves and spin-ups
+    bool headLoaderPresent = true;  // false: every IDriverHeadLoader operation fails
+};
+
+// Inputs that the instrument reads from its sensors; tests and demonstrations set them at run time.
+enum class Input {
+    Interlock,
+    Emergency,
+    OuterCover,
+    Vacuum,
+    SpindleSet,
+    LockdownSensor,
+    StopperUpSensor,
+    StopperDownSensor,
+};
+
+class SimInstrument {
+public:
+    explicit SimInstrument(SimOptions options = {});
+    ~SimInstrument();
+    SimInstrument(const SimInstrument&) = delete;
+    SimInstrument& operator=(const SimInstrument&) = delete;
+
+    // A new driver object on this instrument. Every call through it is written to trace().
+    std::shared_ptr<DriverObject> createObject();
+
+    // Inputs.
+    void setInput(Input input, bool value);
+    bool input(Input input) const;
+
+    // Fault injection. `operation` is "Interface.Operation" as in the trace ("IDriver.Load"). times > 0: fail the
+    // next `times` calls; times < 0: fail until cleared.
+    void failOperation(std::string_view operation, std::string description, int times = 1);
+    void clearFailures();
+
+    void setDelays(bool on);
+    void setHeadLoaderPresent(bool present);
+
+    // Every call made on this instrument's driver objects, in the trace format.
+    TraceBuffer& trace();
+
+    // Default non-volatile file: the user's data directory (XDG_DATA_HOME or ~/.local/share, %APPDATA% on
+    // Windows) / "VelkorSpinstand" / "simulator-nonvolatile.txt".
+    static std::string defaultStatePath();
+
+private:
+    struct Impl;
+    std::unique_ptr<Impl> impl_;
+};
+
+} // namespace vss::sim
