@@ -1,0 +1,77 @@
+#include "operation/OperationLogic.h"
+
+#include <algorithm>
+
+namespace vss::operation {
+
+std::string_view stateText(std::int32_t code) {
+    switch (code) {
+    case state::Closed:
+        return "CLOSED";
+    case state::Open:
+        return "OPEN";
+    case state::Uninitialized:
+        return "UNINITIALIZED";
+    case state::Initialized:
+        return "INITIALIZED";
+    case state::AtHome:
+        return "AT HOME";
+    case state::HomeOff:
+        return "HOME(OFF)";
+    case state::HomeStandby:
+        return "HOME(STANDBY)";
+    case state::HomeRun:
+        return "HOME(RUN)";
+    case state::Loaded:
+        return "LOADED";
+    default:
+        return "OTHER";
+    }
+}
+
+bool positionButtonsEnabled(std::int32_t stateCode) { return stateCode == state::Loaded; }
+
+SpindleStateTexts spindleStateTexts(std::int32_t code) {
+    switch (static_cast<std::int16_t>(code)) {
+    case spindlestate::Off:
+        return {"OFF", "Yes"};
+    case spindlestate::Standby:
+        return {"STANDBY", "No"};
+    case spindlestate::Run:
+        return {"RUN", "No"};
+    case spindlestate::Unlock:
+        return {"UNLOCK", "No"};
+    case spindlestate::Unknown:
+        return {"UNKNOWN", "No"};
+    default:
+        return {"", ""};
+    }
+}
+
+std::int16_t indexOfSpeed(std::span<const std::int32_t> list, std::int32_t speed) {
+    const auto found = std::find_if(list.begin(), list.end(), [speed](std::int32_t v) { return v >= speed; });
+    return static_cast<std::int16_t>(found - list.begin());
+}
+
+std::int32_t speedAtIndex(std::span<const std::int32_t> list, std::int16_t& index, SpeedRange range) {
+    const auto upper = static_cast<std::int16_t>(list.size()) - 1;
+    if (index > upper)
+        index = static_cast<std::int16_t>(upper);
+    std::int32_t speed = index < 0 ? 0 : list[static_cast<std::size_t>(index)];
+    if (speed < range.min)
+        speed = range.min;
+    if (speed > range.max)
+        speed = range.max;
+    return speed;
+}
+
+std::int32_t stepSpeed(std::span<const std::int32_t> list, std::int32_t current, SpeedRange range, int direction) {
+    auto index = static_cast<std::int16_t>(indexOfSpeed(list, current) + (direction < 0 ? -1 : 1));
+    return speedAtIndex(list, index, range);
+}
+
+PositionDefaults positionDefaults(double innerRadius, double outerRadius) {
+    return {innerRadius + 0.00305, innerRadius + (outerRadius - innerRadius) * (1.0 / 2.0), outerRadius - 0.00305};
+}
+
+} // namespace vss::operation
