@@ -1,0 +1,336 @@
+#include "storage/fileio.h"
+
+#include "storage/NumberText.h"
+
+#include <cerrno>
+#include <cmath>
+#include <cstring>
+#include <filesystem>
+#include <limits>
+
+namespace vss {
+
+namespace {
+
+constexpr std::size_t kBufferSize = 64 * 1024;
+
+bool isBlank(char c) { return c == ' ' || c == '\t'; }
+bool isSeparator(char c) { return c == ',' || c == '\r' || c == '\n'; }
+
+} // namespace
+
+fileio::fileio(MessageSink& sink) : sink_(sink) {}
+
+fileio::~fileio() { closeFile(); }
+
+void fileio::closeFile() {
+    if (file_ == nullptr)
+        return;
+    std::fclose(file_);
+    file_ = nullptr;
+}
+
+void fileio::setFileName(const std::string& name) {
+    if (name == fileName_)
+        return;
+    if (!fileName_.empty())
+        closeFile();
+    fileName_ = name;
+}
+
+void fileio::openFile(Mode mode) {
+    if (file_ != nullptr || failed_)
+        return;
+    std::error_code ec;
+    if (std::filesystem::is_directory(fileName_, ec)) {
+        errno = EISDIR;
+    } else {
+        errno = 0;
+        file_ = std::fopen(fileName_.c_str(), mode == Mode::Read ? "rb" : "ab");
+    }
+    if (file_ == nullptr) {
+        failed_ = true;
+        const int error = errno != 0 ? errno : ENOENT;
+        FieldPosition where{fileName_, 0, 0, true};
+        report(sink_, std::strerror(error), "", where);
+        return;
+    }
+    mode_ = mode;
+    if (mode == Mode::Read) {
+        buffer_.resize(kBufferSize);
+        pos_ = len_ = 0;
+        line_ = field_ = 1;
+        pastEnd_ = false;
+        nextToken();
+    }
+}
+
+FieldPosition fileio::tokenPosition() const { return FieldPosition{fileName_, tokenLine_, tokenField_, false}; }
+
+// ---- reading fields
+
+bool fileio::fill() {
+    if (pos_ < len_)
+        return true;
+    if (file_ == nullptr)
+        return false;
+    len_ = std::fread(buffer_.data(), 1, buffer_.size(), file_);
+    pos_ = 0;
+    return len_ > 0;
+}
+
+void fileio::consumeSeparator() {
+    if (atEnd())
+        return;
+    const char c = buffer_[pos_++];
+    if (c == ',') {
+        ++field_;
+        return;
+    }
+    if (c == '\r' && !atEnd() && buffer_[pos_] == '\n')
+        ++pos_;
+    ++line_;
+    field_ = 1;
+}
+
+void fileio::readUnquoted(std::string& out) {
+    while (!atEnd()) {
+        const char* begin = buffer_.data() + pos_;
+        const char* end = buffer_.data() + len_;
+        const char* p = begin;
+        while (p < end && !isSeparator(*p))
+            ++p;
+        out.append(begin, p);
+        pos_ += static_cast<std::size_t>(p - begin);
+        if (p < end)
+            break;
+    }
+    while (!out.empty() && isBlank(out.back()))
+        out.pop_back();
+}
+
+void fileio::readQuoted(std::string& out) {
+    bool closed = false;
+    while (!closed && !atEnd()) {
+        const char* begin = buffer_.data() + pos_;
+        const char* end = buffer_.data() + len_;
+        const auto* quote = static_cast<const char*>(std::memchr(begin, '"', len_ - pos_));
+        const char* stop = quote != nullptr ? quote : end;
+        for (const char* p = begin; p < stop; ++p)
+            if (*p == '\n' || (*p == '\r' && (p + 1 == end || p[1] != '\n')))
+                ++line_;
+        out.append(begin, stop);
+        pos_ += static_cast<std::size_t>(stop - begin);
+        if (quote != nullptr) {
+            ++pos_;
+            closed = true;
+        }
+    }
+    // Whatever follows the closing quote up to the separator is dropped.
+    while (!atEnd() && !isSeparator(buffer_[pos_]))
+        ++pos_;
+}
+
+void fileio::readField(std::string& out) {
+    out.clear();
+    while (!atEnd() && isBlank(buffer_[pos_]))
+        ++pos_;
+    fieldLine_ = line_;
+    fieldIndex_ = field_;
+    if (atEnd())
+        return;
+    if (buffer_[pos_] == '"') {
+        ++pos_;
+        readQuoted(out);
+    } else {
+        readUnquoted(out);
+    }
+    consumeSeparator();
+}
+
+// Fetches the next data field into the look-ahead, skipping empty fields and comments. At the end of the file
+// the look-ahead keeps its last value and every further read returns it again.
+void fileio::nextToken() {
+    while (!atEnd()) {
+        readField(scratch_);
+        if (!scratch_.empty() && scratch_.front() != ';') {
+            token_.swap(scratch_);
+            tokenLine_ = fieldLine_;
+            tokenField_ = fieldIndex_;
+            return;
+        }
+    }
+    pastEnd_ = true;
+}
+
+// ---- typed reads
+
+void fileio::raise(std::string_view text) {
+    ++messageCount_;
+    report(sink_, text, kErrorTitle, tokenPosition());
+}
+
+NumberOutOfRange fileio::outOfRange(std::string_view typeName) const {
+    const FieldPosition where = tokenPosition();
+    return NumberOutOfRange("Overflow: \"" + token_ + "\" does not fit " + std::string(typeName) + " (" +
+                                fileName_ + ", line " + std::to_string(where.line) + ", field " +
+                                std::to_string(where.field) + ")",
+                            where);
+}
+
+std::string fileio::readStr() {
+    openFile(Mode::Read);
+    if (failed_)
+        return {};
+    if (mode_ != Mode::Read)
+        throw FileModeError("Bad file mode: " + fileName_ + " is open for writing");
+    if (pastEnd_)
+        return token_;
+    std::string result;
+    result.swap(token_);
+    nextToken();
+    if (pastEnd_)
+        token_ = result; // nothing followed: the last field stays in the look-ahead
+    return result;
+}
+
+template <class T>
+T fileio::readWhole(std::string_view typeName) {
+    openFile(Mode::Read);
+    if (failed_)
+        return 0;
+    if (mode_ != Mode::Read)
+        throw FileModeError("Bad file mode: " + fileName_ + " is open for writing");
+    const auto number = numbertext::parseNumber(token_);
+    if (!number) {
+        raise("Not Numeric Value(" + std::string(typeName) + ").");
+        return 0;
+    }
+    const double whole = numbertext::roundHalfEven(*number);
+    if (!(whole >= std::numeric_limits<T>::min() && whole <= std::numeric_limits<T>::max()))
+        throw outOfRange(typeName);
+    nextToken();
+    return static_cast<T>(whole);
+}
+
+std::int16_t fileio::readInt() { return readWhole<std::int16_t>("Integer"); }
+
+std::int32_t fileio::readLng() { return readWhole<std::int32_t>("Long"); }
+
+double fileio::readDbl() {
+    openFile(Mode::Read);
+    if (failed_)
+        return 0.0;
+    if (mode_ != Mode::Read)
+        throw FileModeError("Bad file mode: " + fileName_ + " is open for writing");
+    const auto number = numbertext::parseNumber(token_);
+    if (!number) {
+        raise("Not Numeric Value(Double).");
+        return 0.0;
+    }
+    if (!std::isfinite(*number))
+        throw outOfRange("Double");
+    nextToken();
+    return *number;
+}
+
+bool fileio::isBoolean(std::string_view text) { return numbertext::parseBoolean(text).has_value(); }
+
+bool fileio::readFlg() {
+    openFile(Mode::Read);
+    if (failed_)
+        return false;
+    if (mode_ != Mode::Read)
+        throw FileModeError("Bad file mode: " + fileName_ + " is open for writing");
+    if (!isBoolean(token_)) {
+        raise("Not Boolean Value.");
+        return false;
+    }
+    const bool value = *numbertext::parseBoolean(token_);
+    nextToken();
+    return value;
+}
+
+bool fileio::endOfFile() {
+    openFile(Mode::Read);
+    if (failed_)
+        return true;
+    if (mode_ != Mode::Read)
+        throw FileModeError("Bad file mode: " + fileName_ + " is open for writing");
+    return atEnd();
+}
+
+Variant fileio::readVariant() {
+    const std::string tag = readStr();
+    if (tag == "(Integer)")
+        return Variant(readInt());
+    if (tag == "(Long)")
+        return Variant(readLng());
+    if (tag == "(Double)")
+        return Variant(readDbl());
+    if (tag == "(Boolean)")
+        return Variant(readFlg());
+    return Variant();
+}
+
+// ---- writing
+
+void fileio::write(std::string_view text) {
+    openFile(Mode::Append);
+    if (failed_)
+        return;
+    if (mode_ != Mode::Append)
+        throw FileModeError("Bad file mode: " + fileName_ + " is open for reading");
+    std::fwrite(text.data(), 1, text.size(), file_);
+}
+
+void fileio::printStr(std::string& text) {
+    text += ",";
+    write(text + "\r\n");
+}
+
+void fileio::print2Str(std::string_view text) { write(std::string(text) + "\r\n"); }
+
+void fileio::writeStr(std::string_view text) { write("\"" + std::string(text) + "\","); }
+
+void fileio::writeDbl(double value) { write(numbertext::formatDouble(value) + ","); }
+
+void fileio::writeInt(std::int16_t value) { write(std::to_string(value) + ","); }
+
+void fileio::writeLng(std::int32_t value) { write(std::to_string(value) + ","); }
+
+void fileio::writeCrLf() { write("\r\n"); }
+
+bool fileio::fileExists(const std::string& name) {
+    std::error_code ec;
+    return !name.empty() && std::filesystem::exists(name, ec) && !std::filesystem::is_directory(name, ec);
+}
+
+void fileio::printComment(std::string_view text) { write("; " + std::string(text) + "\r\n"); }
+
+void fileio::writeFlg(bool value) { write(value ? "True," : "False,"); }
+
+void fileio::writeVariant(const Variant& value) {
+    switch (value.type()) {
+    case Variant::Type::Int16:
+        writeStr("(Integer)");
+        writeInt(value.int16());
+        break;
+    case Variant::Type::Int32:
+        writeStr("(Long)");
+        writeLng(value.int32());
+        break;
+    case Variant::Type::Double:
+        writeStr("(Double)");
+        writeDbl(value.dbl());
+        break;
+    case Variant::Type::Bool:
+        writeStr("(Boolean)");
+        writeFlg(value.boolean());
+        break;
+    default:
+        break; // other types write nothing
+    }
+}
+
+} // namespace vss

@@ -1,0 +1,128 @@
+#pragma once
+
+// One text file read as a stream of typed fields or written as comment lines and comma-separated typed fields.
+// One object serves one file in one direction: the first access opens the file, for reading or for appending
+// (writing never truncates), and fixes the direction until closeFile.
+//
+// Reading: fields are separated by "," and line ends (CR, LF or CR LF); blanks before a field are skipped; a
+// field that starts with a double quote runs to the next double quote, which may include commas and line ends;
+// an unquoted field loses its trailing blanks; fields that are empty or begin with ";" are skipped (a comment is
+// a field, so a comment line holding a comma yields a data field after it). The reader
+// keeps one field of look-ahead (the token): a read returns it and fetches the next, so endOfFile turns true as
+// soon as the last field has been fetched, and reading past the end returns the last field again.
+//
+// Validation messages ("Not Numeric Value(Double)." and its kin, "Not Boolean Value.") go to the message sink
+// under the title "error"; the failing field is not consumed. A number that does not fit the type asked for
+// throws NumberOutOfRange. Written files have CR LF line ends on every platform.
+
+#include "driver/Variant.h"
+#include "storage/Messages.h"
+
+#include <cstdint>
+#include <cstdio>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace vss {
+
+// A numeric field outside the range of the type read (Integer, Long or Double). The message names the text,
+// the type and the place.
+class NumberOutOfRange : public std::range_error {
+public:
+    NumberOutOfRange(const std::string& message, FieldPosition where)
+        : std::range_error(message), where_(std::move(where)) {}
+    const FieldPosition& where() const { return where_; }
+
+private:
+    FieldPosition where_;
+};
+
+// A read from a file opened for appending, or a write to one opened for reading.
+class FileModeError : public std::logic_error {
+public:
+    using std::logic_error::logic_error;
+};
+
+class fileio {
+public:
+    explicit fileio(MessageSink& sink);
+    ~fileio();
+    fileio(const fileio&) = delete;
+    fileio& operator=(const fileio&) = delete;
+
+    void closeFile();
+    void setFileName(const std::string& name);
+    double readDbl();
+    std::int16_t readInt();
+    std::int32_t readLng();
+    std::string readStr();
+    bool endOfFile();
+    void printStr(std::string& text);
+    void print2Str(std::string_view text);
+    void writeStr(std::string_view text);
+    void writeDbl(double value);
+    void writeInt(std::int16_t value);
+    void writeLng(std::int32_t value);
+    void writeCrLf();
+    static bool fileExists(const std::string& name);
+    void printComment(std::string_view text);
+    bool readFlg();
+    void writeFlg(bool value);
+    Variant readVariant();
+    void writeVariant(const Variant& value);
+
+    const std::string& fileName() const { return fileName_; }
+    bool failed() const { return failed_; }
+    // True once a read has gone past the end: every further read returns the last field again. Loops driven
+    // by a count read from the file stop here.
+    bool pastEnd() const { return pastEnd_; }
+    // Validation messages raised so far by this object.
+    std::int64_t messageCount() const { return messageCount_; }
+    // Where the look-ahead field starts.
+    FieldPosition tokenPosition() const;
+
+private:
+    enum class Mode { Read, Append };
+
+    void openFile(Mode mode);
+    void nextToken();
+    static bool isBoolean(std::string_view text);
+
+    // Field reading.
+    bool fill();
+    bool atEnd() { return pos_ >= len_ && !fill(); }
+    void readField(std::string& out);
+    void consumeSeparator();
+    void readQuoted(std::string& out);
+    void readUnquoted(std::string& out);
+
+    void write(std::string_view text);
+    void raise(std::string_view text);
+    template <class T>
+    T readWhole(std::string_view typeName);
+    NumberOutOfRange outOfRange(std::string_view typeName) const;
+
+    MessageSink& sink_;
+    std::string fileName_;
+    std::FILE* file_ = nullptr;
+    Mode mode_ = Mode::Read;
+    std::string token_;
+    std::string scratch_; // the field being read, before it becomes the token
+    bool failed_ = false;
+    bool pastEnd_ = false;
+    std::int64_t messageCount_ = 0;
+
+    std::vector<char> buffer_;
+    std::size_t pos_ = 0;
+    std::size_t len_ = 0;
+    std::int64_t line_ = 1;       // of the read position
+    std::int64_t field_ = 1;      // of the read position, within its line
+    std::int64_t fieldLine_ = 0;  // where the field being read started
+    std::int64_t fieldIndex_ = 0;
+    std::int64_t tokenLine_ = 0;  // where the token started
+    std::int64_t tokenField_ = 0;
+};
+
+} // namespace vss

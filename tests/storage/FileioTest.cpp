@@ -1,0 +1,268 @@
+#include "storage/NumberText.h"
+#include "storage/fileio.h"
+
+#include "tests/storage/StorageTestSupport.h"
+
+#include <cmath>
+#include <random>
+
+namespace vss {
+namespace {
+
+using test::readBytes;
+using test::RecordingSink;
+using test::ScratchDir;
+
+std::vector<std::string> readAllStrings(fileio& io, int count) {
+    std::vector<std::string> out;
+    for (int i = 0; i < count; ++i)
+        out.push_back(io.readStr());
+    return out;
+}
+
+TEST(NumberText, DoublesAreWrittenPlainWithUpTo15DigitsAndEFormOnlyWhenVeryLong) {
+    const std::pair<double, const char*> cases[] = {
+        {2.5, "2.5"},         {100, "100"},       {0.0125, "0.0125"},         {-3, "-3"},
+        {0, "0"},             {-0.0, "0"},        {9.91e37, "9.91E+37"},      {1e-12, "1E-12"},
+        {0.1 + 0.2, "0.3"},   {2.5e-7, "0.00000025"}, {1e14, "100000000000000"}, {1e15, "1E+15"},
+        {-1.25e-20, "-1.25E-20"}, {123456789012345678.0, "1.23456789012346E+17"},
+        {1.0 / 3.0, "0.333333333333333"},
+    };
+    for (const auto& [value, text] : cases)
+        EXPECT_EQ(numbertext::formatDouble(value), text) << value;
+}
+
+TEST(NumberText, NumericSyntaxAcceptsSignsPointsExponentsAndBlanksOnly) {
+    for (const char* yes : {"1", "-1", "+1", "1.", ".5", "1.5e3", "1E-3", " 7 ", "\t-0.25\t", "9.91E+37"})
+        EXPECT_TRUE(numbertext::parseNumber(yes)) << yes;
+    for (const char* no : {"", " ", ".", "-", "e3", "1e", "1e+", "1,5", "0x10", "inf", "nan", "1 2", "12abc", "--1"})
+        EXPECT_FALSE(numbertext::parseNumber(no)) << no;
+    EXPECT_EQ(*numbertext::parseNumber("1e400"), HUGE_VAL);
+    EXPECT_EQ(*numbertext::parseNumber("-1e400"), -HUGE_VAL);
+    EXPECT_EQ(*numbertext::parseNumber("1e-400"), 0.0);
+    EXPECT_EQ(*numbertext::parseNumber("0.000001e-399"), 0.0);
+}
+
+TEST(NumberText, WrittenDoublesReadBackAsTheValueRoundedTo15Digits) {
+    std::mt19937_64 random(7);
+    std::uniform_real_distribution<double> mantissa(-10.0, 10.0);
+    std::uniform_int_distribution<int> exponent(-40, 40);
+    for (int i = 0; i < 20000; ++i) {
+        const double value = std::ldexp(mantissa(random), exponent(random) * 3);
+        const auto back = numbertext::parseNumber(numbertext::formatDouble(value));
+        ASSERT_TRUE(back);
+        ASSERT_EQ(*back, numbertext::roundTo15Digits(value)) << numbertext::formatDouble(value);
+    }
+    // Values with no more than 15 digits come back exactly.
+    for (double exact : {0.0125, 2.5e-7, 0.02, 7200.0, 9.91e37, 1e-9, 0.0254})
+        EXPECT_EQ(*numbertext::parseNumber(numbertext::formatDouble(exact)), exact);
+}
+
+TEST(Fileio, FieldSyntaxQuotesBlanksCommentsAndEveryKindOfLineEnd) {
+    ScratchDir dir;
+    const std::string bytes = "  alpha  ,\"b,c\"tail,,\r\n"  // blanks trimmed, quoted comma, text after quote dropped
+                              "; comment, stray\n"           // a comment field, then a data field
+                              "\"multi\r\nline\"\r"          // quoted line end; CR alone ends a line
+                              ";only comment\r\n"
+                              "  \"  spaced  \"  ,last";
+    RecordingSink sink;
+    fileio reader(sink);
+    reader.setFileName(dir.write("f.csv", bytes));
+    EXPECT_EQ(readAllStrings(reader, 5),
+              (std::vector<std::string>{"alpha", "b,c", "stray", "multi\r\nline", "  spaced  "}));
+    EXPECT_TRUE(reader.endOfFile()); // "last" is already fetched
+    EXPECT_EQ(reader.readStr(), "last");
+    EXPECT_TRUE(sink.messages.empty());
+}
+
+TEST(Fileio, EndOfFileTurnsTrueOneFieldEarlyAndReadsPastTheEndRepeatTheLastField) {
+    ScratchDir dir;
+    RecordingSink sink;
+    fileio io(sink);
+    io.setFileName(dir.write("f.csv", "%SpinstandType\r\n3\r\n"));
+    EXPECT_FALSE(io.endOfFile());
+    EXPECT_EQ(io.readStr(), "%SpinstandType");
+    EXPECT_TRUE(io.endOfFile()); // "3" is fetched but not yet read
+    EXPECT_FALSE(io.pastEnd());
+    EXPECT_EQ(io.readInt(), 3);
+    EXPECT_TRUE(io.pastEnd());
+    EXPECT_EQ(io.readInt(), 3);
+    EXPECT_EQ(io.readStr(), "3");
+
+    // A row written by the writer ends with ",": the empty field before the line end does not replace the token.
+    fileio written(sink);
+    written.setFileName(dir.write("g.csv", "\"Load\",5400,\r\n"));
+    EXPECT_EQ(written.readStr(), "Load");
+    EXPECT_EQ(written.readLng(), 5400);
+    EXPECT_EQ(written.readLng(), 5400);
+    EXPECT_TRUE(written.endOfFile());
+    EXPECT_TRUE(sink.messages.empty());
+}
+
+TEST(Fileio, OnlyCommentsAndEmptyFieldsLeaveTheTokenEmpty) {
+    ScratchDir dir;
+    RecordingSink sink;
+    fileio io(sink);
+    io.setFileName(dir.write("f.csv", "; one\r\n,,\r\n; two,; three\r\n"));
+    EXPECT_TRUE(io.endOfFile());
+    EXPECT_EQ(io.readStr(), "");
+    EXPECT_EQ(io.readDbl(), 0.0);
+    EXPECT_EQ(sink.texts(), std::vector<std::string>{"Not Numeric Value(Double)."});
+}
+
+TEST(Fileio, ABadFieldIsNotConsumedAndEachReadThatMeetsItReportsWhereItIs) {
+    ScratchDir dir;
+    RecordingSink sink;
+    fileio io(sink);
+    const std::string name = dir.write("f.csv", "1,\r\n2,x1,3\r\nmaybe,-1\r\n");
+    io.setFileName(name);
+    EXPECT_EQ(io.readLng(), 1);
+    EXPECT_EQ(io.readDbl(), 2.0);
+    EXPECT_EQ(io.readDbl(), 0.0);
+    EXPECT_EQ(io.readInt(), 0);
+    EXPECT_EQ(io.readLng(), 0);
+    ASSERT_EQ(sink.texts(), (std::vector<std::string>{"Not Numeric Value(Double).", "Not Numeric Value(Integer).",
+                                                     "Not Numeric Value(Long)."}));
+    for (const auto& m : sink.messages) {
+        EXPECT_EQ(m.title, "error");
+        EXPECT_EQ(m.where.fileName, name);
+        EXPECT_EQ(m.where.line, 2);
+        EXPECT_EQ(m.where.field, 2);
+    }
+    EXPECT_EQ(io.readStr(), "x1");
+    EXPECT_EQ(io.readInt(), 3);
+    EXPECT_FALSE(io.readFlg());
+    EXPECT_EQ(sink.messages.back().text, "Not Boolean Value.");
+    EXPECT_EQ(sink.messages.back().where.line, 3);
+    EXPECT_EQ(io.messageCount(), 4);
+    EXPECT_EQ(io.readStr(), "maybe");
+    EXPECT_TRUE(io.readFlg()); // -1
+}
+
+TEST(Fileio, WholeNumbersRoundHalvesToEvenAndThrowWhenOutOfRange) {
+    ScratchDir dir;
+    RecordingSink sink;
+    fileio io(sink);
+    io.setFileName(dir.write("f.csv", "2.5,3.5,-2.5,1e3,-32768,32767.5,2147483647,2147483648,1e400\r\n"));
+    EXPECT_EQ(io.readInt(), 2);
+    EXPECT_EQ(io.readInt(), 4);
+    EXPECT_EQ(io.readLng(), -2);
+    EXPECT_EQ(io.readInt(), 1000);
+    EXPECT_EQ(io.readInt(), -32768);
+    EXPECT_THROW(io.readInt(), NumberOutOfRange); // rounds to 32768
+    EXPECT_EQ(io.readLng(), 32768);               // the field was not consumed by the failing read
+    EXPECT_EQ(io.readLng(), 2147483647);
+    try {
+        io.readLng();
+        FAIL() << "no NumberOutOfRange";
+    } catch (const NumberOutOfRange& e) {
+        EXPECT_EQ(e.where().field, 8);
+        EXPECT_NE(std::string(e.what()).find("2147483648"), std::string::npos);
+    }
+    EXPECT_EQ(io.readDbl(), 2147483648.0);
+    EXPECT_THROW(io.readDbl(), NumberOutOfRange);
+    EXPECT_TRUE(sink.messages.empty());
+}
+
+TEST(Fileio, BooleansReadAsWordsInAnyCaseOrAsNumbers) {
+    ScratchDir dir;
+    RecordingSink sink;
+    fileio io(sink);
+    io.setFileName(dir.write("f.csv", "True,FALSE,tRuE,0,-1,2.5,\"False\"\r\n"));
+    for (bool expected : {true, false, true, false, true, true, false})
+        EXPECT_EQ(io.readFlg(), expected);
+    EXPECT_TRUE(sink.messages.empty());
+}
+
+TEST(Fileio, WritesAppendCrLfRowsAndTypedValuesReadBack) {
+    ScratchDir dir;
+    RecordingSink sink;
+    const std::string name = dir.write("f.csv", "old text\r\n");
+    {
+        fileio io(sink);
+        io.setFileName(name);
+        io.writeStr("Load");
+        io.writeDbl(25.5);
+        io.writeDbl(-3);
+        io.writeLng(5400);
+        io.writeCrLf();
+        io.printComment("n,; Radius");
+        io.print2Str("%Bare");
+        for (const Variant& v : {Variant(std::int16_t{-7}), Variant(std::int32_t{70000}), Variant(0.0125),
+                                 Variant(true), Variant(false), Variant("text"), Variant(), Variant::null()})
+            io.writeVariant(v);
+        io.writeFlg(true);
+        io.writeCrLf();
+    }
+    EXPECT_EQ(readBytes(name), "old text\r\n"
+                               "\"Load\",25.5,-3,5400,\r\n"
+                               "; n,; Radius\r\n"
+                               "%Bare\r\n"
+                               "\"(Integer)\",-7,\"(Long)\",70000,\"(Double)\",0.0125,\"(Boolean)\",True,"
+                               "\"(Boolean)\",False,True,\r\n");
+    fileio io(sink);
+    io.setFileName(name);
+    EXPECT_EQ(readAllStrings(io, 6), (std::vector<std::string>{"old text", "Load", "25.5", "-3", "5400", "%Bare"}));
+    EXPECT_EQ(io.readVariant(), Variant(std::int16_t{-7}));
+    EXPECT_EQ(io.readVariant(), Variant(std::int32_t{70000}));
+    EXPECT_EQ(io.readVariant(), Variant(0.0125));
+    EXPECT_EQ(io.readVariant(), Variant(true));
+    EXPECT_EQ(io.readVariant(), Variant(false));
+    // An unknown tag gives no value and consumes only the tag.
+    EXPECT_TRUE(io.readVariant().isEmpty());
+    EXPECT_TRUE(io.endOfFile());
+    EXPECT_TRUE(sink.messages.empty());
+}
+
+TEST(Fileio, AFileThatCannotBeOpenedReportsOnceAndStaysUnusable) {
+    ScratchDir dir;
+    RecordingSink sink;
+    fileio io(sink);
+    io.setFileName(dir.path("missing.csv"));
+    EXPECT_TRUE(io.endOfFile());
+    EXPECT_EQ(io.readStr(), "");
+    EXPECT_EQ(io.readDbl(), 0.0);
+    EXPECT_FALSE(io.readFlg());
+    EXPECT_TRUE(io.readVariant().isEmpty());
+    ASSERT_EQ(sink.messages.size(), 1u);
+    EXPECT_EQ(sink.messages[0].title, "");
+    EXPECT_TRUE(sink.messages[0].where.openFailed);
+    EXPECT_FALSE(sink.messages[0].text.empty());
+
+    fileio toDirectory(sink);
+    toDirectory.setFileName(dir.path(""));
+    toDirectory.writeStr("x");
+    toDirectory.writeCrLf();
+    EXPECT_TRUE(toDirectory.failed());
+    EXPECT_EQ(sink.messages.size(), 2u);
+}
+
+TEST(Fileio, TheFirstAccessFixesTheDirectionUntilClosed) {
+    ScratchDir dir;
+    RecordingSink sink;
+    const std::string name = dir.write("f.csv", "a,b\r\n");
+    fileio io(sink);
+    io.setFileName(name);
+    EXPECT_EQ(io.readStr(), "a");
+    EXPECT_THROW(io.writeStr("x"), FileModeError);
+    io.closeFile();
+    io.writeStr("c");
+    EXPECT_THROW(io.readStr(), FileModeError);
+    io.closeFile();
+    EXPECT_EQ(io.readStr(), "a"); // reopened from the start
+    EXPECT_EQ(readBytes(name), "a,b\r\n\"c\",");
+}
+
+TEST(Fileio, HugeFieldsAndUnterminatedQuotesAreReadWhole) {
+    ScratchDir dir;
+    RecordingSink sink;
+    const std::string huge(3 * 1024 * 1024 + 17, 'x');
+    fileio io(sink);
+    io.setFileName(dir.write("f.csv", huge + ",\"never closed, " + huge));
+    EXPECT_EQ(io.readStr(), huge);
+    EXPECT_EQ(io.readStr(), "never closed, " + huge);
+    EXPECT_TRUE(io.endOfFile());
+}
+
+} // namespace
+} // namespace vss
