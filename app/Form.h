@@ -1,0 +1,82 @@
+#pragma once
+
+// The base of every window of the program. A window is built in code with its geometry in twips, has the busy
+// bracket that every handler talking to the instrument runs in, and opens other windows modally.
+
+#include <QDialog>
+#include <QList>
+
+#include <functional>
+#include <memory>
+
+class QLabel;
+class QPushButton;
+
+namespace vss {
+
+class Form;
+
+// The application's title, the default title of every message box and the start of every caption.
+QString appTitle();
+
+// Makes a window, parented to its opener. An empty factory is a window that is not part of this build: the
+// button that would open it does nothing.
+using FormFactory = std::function<std::unique_ptr<Form>(QWidget* parent)>;
+
+class Form : public QDialog {
+    Q_OBJECT
+
+public:
+    explicit Form(QWidget* parent = nullptr);
+    ~Form() override;
+
+    // The window's controls in the order they were created; frames are walked into, other windows are not.
+    QList<QWidget*> controls() const;
+
+    // The busy bracket. disableAllControls disables every control in order, shows the wait cursor and lets the
+    // window repaint once before the blocking work that follows; enableAllControls enables every control again
+    // and takes the wait cursor away. A window may extend enableAllControls (the operation panel refreshes its
+    // status after it); it calls this base first.
+    void disableAllControls();
+    virtual void enableAllControls();
+    bool isBusy() const { return waitCursor_; }
+
+    // Runs a handler's steps inside the bracket. The first step that fails stops the rest; its description is
+    // shown in a message box. The controls are enabled again in every case. Returns whether every step ran, so
+    // that the caller can skip its follow-up after a failure.
+    bool runBusy(const std::function<void()>& steps);
+
+    // Opens another window: disable, create the target, show it modally, enable. A failure while creating or
+    // showing it is reported like any other. Returns false when the factory is empty (the window is not built)
+    // or the opening failed.
+    bool openModal(const FormFactory& make);
+
+    // Shows target modally and returns when it is unloaded, leaving this window's controls alone. The wait
+    // cursor is lifted while the target is up.
+    static int execModal(Form& target);
+
+protected:
+    // Runs steps and reports the first failure in a message box, without the bracket. Returns whether every
+    // step ran.
+    static bool trapErrors(const std::function<void()>& steps);
+
+    // The window's unload handler: runs once when the window closes, however it is closed.
+    virtual void onUnload() {}
+
+    void done(int result) override;
+    void keyPressEvent(QKeyEvent* event) override;
+
+    // Building in code; every position and size is in twips.
+    void setClientSizeTwips(int width, int height);
+    void place(QWidget* control, const char* name, int left, int top, int width, int height);
+    QPushButton* addButton(const char* name, const QString& caption, int left, int top, int width, int height);
+    QLabel* addLabel(const char* name, const QString& caption, int left, int top, int width, int height);
+
+private:
+    void releaseWaitCursor();
+
+    bool waitCursor_ = false;
+    bool unloaded_ = false;
+};
+
+} // namespace vss

@@ -1,0 +1,51 @@
+#include "app/Messages.h"
+
+#include "app/modGlobal.h"
+
+#include <QApplication>
+#include <QMessageBox>
+#include <QString>
+
+#include <utility>
+
+namespace vss {
+namespace {
+
+MessageHandler& currentHandler() {
+    static MessageHandler handler;
+    return handler;
+}
+
+void showMessageBox(const std::string& text, const std::string& title) {
+    QWidget* parent = QApplication::activeModalWidget();
+    if (!parent)
+        parent = QApplication::activeWindow();
+    QMessageBox box(QMessageBox::NoIcon, QString::fromStdString(title), QString::fromStdString(text),
+                    QMessageBox::Ok, parent);
+    box.exec();
+}
+
+class SeamSink : public MessageSink {
+public:
+    void show(std::string_view text, std::string_view title) override { showMessage(text, title); }
+};
+
+} // namespace
+
+void showMessage(std::string_view text, std::string_view title) {
+    const std::string resolvedTitle(title.empty() ? kAppTitle : title);
+    const std::string body(text);
+    if (const MessageHandler& handler = currentHandler())
+        handler(body, resolvedTitle);
+    else
+        showMessageBox(body, resolvedTitle);
+}
+
+MessageHandler setMessageHandler(MessageHandler handler) { return std::exchange(currentHandler(), std::move(handler)); }
+
+MessageSink& messageSink() {
+    static SeamSink sink;
+    return sink;
+}
+
+} // namespace vss

@@ -1,0 +1,155 @@
+#include "app/Screenshots.h"
+
+#include "app/Messages.h"
+#include "app/Navigation.h"
+#include "app/Session.h"
+#include "app/dlgConfigFile.h"
+#include "app/frmFac.h"
+#include "app/frmOpen.h"
+#include "app/frmSerStageMotor.h"
+#include "app/frmTop.h"
+#include "app/modGlobal.h"
+#include "driver/sim/SimInstrument.h"
+
+#if VSS_HAVE_CONTROLS_GALLERY
+#include "controls/Gallery.h"
+#endif
+
+#include <QApplication>
+#include <QDir>
+#include <QImage>
+#include <QPainter>
+#include <QPixmap>
+
+#include <cstdio>
+#include <exception>
+#include <functional>
+#include <memory>
+#include <vector>
+
+namespace vss {
+namespace {
+
+using WindowMaker = std::function<std::unique_ptr<QWidget>()>;
+
+struct Scene {
+    QString file; // without ".png"
+    WindowMaker make;
+};
+
+template <class W>
+WindowMaker window() {
+    return [] { return std::make_unique<W>(); };
+}
+
+WindowMaker mainMenuAt(int level) {
+    return [level] {
+        auto menu = std::make_unique<frmOpen>();
+        menu->setLevel(level);
+        return menu;
+    };
+}
+
+WindowMaker fromMenu(const FormFactory& make) {
+    return [make] { return make(nullptr); };
+}
+
+// The windows to render, in order. A window of a later library comes in through the menus' table; a window
+// that no menu opens gets a line here.
+std::vector<Scene> scenes() {
+    std::vector<Scene> list{
+        {QStringLiteral("frmTop"), window<frmTop>()},
+        {QStringLiteral("frmOpen-level0"), mainMenuAt(0)},
+        {QStringLiteral("frmOpen-level1"), mainMenuAt(1)},
+        {QStringLiteral("frmOpen-level2"), mainMenuAt(2)},
+        {QStringLiteral("frmFac"), window<frmFac>()},
+        {QStringLiteral("frmSerStageMotor"), window<frmSerStageMotor>()},
+#if VSS_HAVE_CONTROLS_GALLERY
+        {QStringLiteral("controls"), [] { return std::unique_ptr<QWidget>(createControlsGallery(nullptr)); }},
+#endif
+    };
+    const MenuWindows& menu = menuWindows();
+    for (const FormFactory* target :
+         {&menu.operationPanel, &menu.measurementPositions, &menu.servicePanel, &menu.serviceSettings,
+          &menu.piezoAdjust, &menu.spinstandSettings, &menu.piezoSettings, &menu.version}) {
+        if (*target)
+            list.push_back({QString(), fromMenu(*target)});
+    }
+    return list;
+}
+
+// The client area under a plain title bar with the caption, the way the window looks on a desktop.
+QImage framed(QWidget& w) {
+    const QPixmap client = w.grab();
+    const int titleHeight = 24;
+    const int border = 1;
+    QImage image(client.width() + 2 * border, client.height() + titleHeight + 2 * border, QImage::Format_RGB32);
+    image.fill(QColor(0x40, 0x40, 0x40));
+    QPainter painter(&image);
+    painter.fillRect(border, border, client.width(), titleHeight, QColor(0x2b, 0x4a, 0x7a));
+    painter.setPen(Qt::white);
+    QFont font = painter.font();
+    font.setBold(true);
+    painter.setFont(font);
+    painter.drawText(QRect(border + 8, border, client.width() - 16, titleHeight), Qt::AlignVCenter | Qt::AlignLeft,
+                     w.windowTitle());
+    painter.drawPixmap(border, border + titleHeight, client);
+    return image;
+}
+
+QString sceneName(const Scene& scene, const QWidget& w) {
+    if (!scene.file.isEmpty())
+        return scene.file;
+    const QString className = QString::fromLatin1(w.metaObject()->className());
+    return className.section(QStringLiteral("::"), -1);
+}
+
+bool render(const Scene& scene, const QDir& dir) {
+    const std::unique_ptr<QWidget> w = scene.make();
+    w->show();
+    QCoreApplication::processEvents();
+    const QString path = dir.filePath(sceneName(scene, *w) + QStringLiteral(".png"));
+    const bool saved = framed(*w).save(path);
+    std::fprintf(saved ? stdout : stderr, "%s %s\n", saved ? "wrote" : "could not write",
+                 qPrintable(QDir::toNativeSeparators(path)));
+    w->hide();
+    return saved;
+}
+
+} // namespace
+
+int runScreenshots(const QString& dirPath, DriverOptions options) {
+    QDir dir(dirPath);
+    if (!dir.mkpath(QStringLiteral("."))) {
+        std::fprintf(stderr, "--screenshots %s: the folder cannot be created\n", qPrintable(dirPath));
+        return 1;
+    }
+    setMessageHandler([](const std::string& text, const std::string& title) {
+        std::fprintf(stderr, "message (%s): %s\n", title.c_str(), text.c_str());
+    });
+    dlgConfigFile::setChooser([](const FileDialogRequest&) { return std::nullopt; });
+
+    options.forceSimulator = true;
+    if (!options.simulator && options.simStatePath.empty())
+        options.simulator = std::make_shared<sim::SimInstrument>(sim::SimOptions{":memory:"});
+
+    DriverHandles& h = handles();
+    bool ok = true;
+    try {
+        std::shared_ptr<DriverObject> object = CreateDriverObject(globals().driverProgId, options);
+        acquireHandles(*object, h);
+        h.driver->Open(std::string(kDefaultResource));
+        h.service->BeginService();
+        for (const Scene& scene : scenes())
+            ok = render(scene, dir) && ok;
+        h.driver->Close();
+    } catch (const std::exception& e) {
+        std::fprintf(stderr, "screenshots stopped: %s\n", e.what());
+        ok = false;
+    }
+    releaseHandles(h);
+    h.diskSize.reset();
+    return ok ? 0 : 1;
+}
+
+} // namespace vss

@@ -1,0 +1,16 @@
+#pragma once
+
+// The factory menu: the spinstand and piezo settings and the version data, each opened modally.
+
+#include "app/Form.h"
+
+namespace vss {
+
+class frmFac : public Form {
+    Q_OBJECT
+
+public:
+    explicit frmFac(QWidget* parent = nullptr);
+};
+
+} // namespace vss

@@ -1,0 +1,120 @@
+#include "app/frmOpen.h"
+
+#include "app/Navigation.h"
+#include "app/frmFac.h"
+#include "app/modGlobal.h"
+#include "controls/Twips.h"
+#include "driver/Types.h"
+
+#include <QMouseEvent>
+#include <QPushButton>
+
+namespace vss {
+namespace {
+
+constexpr int kClientWidthTwips = 5415;
+// The outer height counts the title bar and the borders; the client area is the rest.
+constexpr int kNonClientHeightTwips = 405;
+
+} // namespace
+
+MenuGesture menuGesture(Qt::MouseButton button, Qt::KeyboardModifiers modifiers) {
+    const Qt::KeyboardModifiers held = modifiers & (Qt::ShiftModifier | Qt::ControlModifier | Qt::AltModifier);
+    if (held != (Qt::ShiftModifier | Qt::ControlModifier))
+        return MenuGesture::None;
+    if (button == Qt::RightButton)
+        return MenuGesture::A;
+    if (button == Qt::LeftButton)
+        return MenuGesture::B;
+    return MenuGesture::None;
+}
+
+int nextMenuLevel(int level, MenuGesture gesture) {
+    switch (level) {
+    case 0:
+        return gesture == MenuGesture::A ? 1 : 0;
+    case 1:
+        return gesture == MenuGesture::A ? 0 : gesture == MenuGesture::B ? 2 : 1;
+    case 2:
+        return gesture == MenuGesture::B ? 1 : 2;
+    default:
+        return 0;
+    }
+}
+
+int menuHeightTwips(int level) {
+    switch (level) {
+    case 1:
+        return 2535;
+    case 2:
+        return 3600;
+    default:
+        return 1455;
+    }
+}
+
+void prepareOperationCheck(DriverHandles& h) {
+    if (h.driver->GetState() == state::Uninitialized)
+        h.driver->Initialize();
+    else
+        h.driver->Reset();
+    try {
+        if (h.headLoader)
+            h.headLoader->GetHeadLoader();
+    } catch (const DriverError&) {
+        h.headLoader.reset();
+    }
+}
+
+frmOpen::frmOpen(QWidget* parent) : Form(parent) {
+    setWindowTitle(appTitle() + QStringLiteral(" : Main Menu"));
+
+    // Created in tab order.
+    QPushButton* cmdClose = addButton("cmdClose", QStringLiteral("Close"), 4320, 120, 975, 375);
+    QPushButton* cmdInitialize = addButton("cmdInitialize", QStringLiteral("Operation Check"), 120, 120, 2775, 375);
+    QPushButton* cmdCustomize =
+        addButton("cmdCustomize", QStringLiteral("Measurement Position Settings"), 120, 600, 2775, 375);
+    QPushButton* cmdService = addButton("cmdService", QStringLiteral("Service Operations"), 120, 1200, 2775, 375);
+    QPushButton* cmdFactory = addButton("cmdFactory", QStringLiteral("Factory Settings"), 120, 2280, 2775, 375);
+    QPushButton* cmdSerSet = addButton("cmdSerSet", QStringLiteral("Service Settings"), 120, 1680, 2775, 375);
+    QPushButton* cmdPiezo = addButton("cmdPiezo", QStringLiteral("Piezo Adjust"), 120, 2760, 2775, 375);
+
+    connect(cmdClose, &QPushButton::clicked, this, &Form::accept);
+    connect(cmdInitialize, &QPushButton::clicked, this, &frmOpen::cmdInitialize_Click);
+    connect(cmdCustomize, &QPushButton::clicked, this, [this] { openModal(menuWindows().measurementPositions); });
+    connect(cmdService, &QPushButton::clicked, this, [this] { openModal(menuWindows().servicePanel); });
+    connect(cmdSerSet, &QPushButton::clicked, this, [this] { openModal(menuWindows().serviceSettings); });
+    connect(cmdFactory, &QPushButton::clicked, this,
+            [this] { openModal([](QWidget* p) { return std::make_unique<frmFac>(p); }); });
+    connect(cmdPiezo, &QPushButton::clicked, this, [this] { openModal(menuWindows().piezoAdjust); });
+
+    setLevel(0);
+}
+
+void frmOpen::setLevel(int level) {
+    level_ = (level >= 0 && level <= 2) ? level : 0;
+    setFixedSize(twipsSize(kClientWidthTwips, menuHeightTwips(level_) - kNonClientHeightTwips));
+}
+
+void frmOpen::mousePressEvent(QMouseEvent* event) {
+    setLevel(nextMenuLevel(level_, menuGesture(event->button(), event->modifiers())));
+    Form::mousePressEvent(event);
+}
+
+void frmOpen::cmdInitialize_Click() {
+    const FormFactory& panel = menuWindows().operationPanel;
+    if (!panel)
+        return;
+    runBusy([&] {
+        prepareOperationCheck(handles());
+        const std::unique_ptr<Form> target = panel(this);
+        execModal(*target);
+    });
+}
+
+void frmOpen::onUnload() {
+    disableAllControls();
+    trapErrors([] { handles().driver->Close(); });
+}
+
+} // namespace vss

@@ -1,0 +1,16 @@
+#pragma once
+
+// A small service window with one "Return" button that closes it.
+
+#include "app/Form.h"
+
+namespace vss {
+
+class frmSerStageMotor : public Form {
+    Q_OBJECT
+
+public:
+    explicit frmSerStageMotor(QWidget* parent = nullptr);
+};
+
+} // namespace vss

@@ -1,0 +1,30 @@
+// vsstool: the operator, factory and service program of the spinstand.
+
+#include "app/CommandLine.h"
+#include "app/Screenshots.h"
+#include "app/frmTop.h"
+#include "app/modGlobal.h"
+
+#include <QApplication>
+
+#include <variant>
+
+int main(int argc, char* argv[]) {
+    QApplication app(argc, argv);
+    QApplication::setApplicationName(QStringLiteral("vsstool"));
+    QApplication::setApplicationVersion(QStringLiteral(VSS_VERSION));
+
+    auto parsed = vss::parseCommandLine(QApplication::arguments());
+    if (const int* exitCode = std::get_if<int>(&parsed))
+        return *exitCode;
+    const vss::CommandLine& line = std::get<vss::CommandLine>(parsed);
+
+    vss::setUpGlobals();
+    vss::globals().driverOptions = line.driver;
+    if (!line.screenshotDir.isEmpty())
+        return vss::runScreenshots(line.screenshotDir, line.driver);
+
+    vss::frmTop top;
+    top.show();
+    return QApplication::exec();
+}
