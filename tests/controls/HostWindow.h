@@ -3,12 +3,26 @@
 // A window for one control under test, with a second text box to move the focus to, and a count of ChangeValue.
 
 #include "controls/Twips.h"
+#include "driver/Variant.h"
 
 #include <QLineEdit>
 #include <QTest>
 #include <QWidget>
 
 #include <gtest/gtest.h>
+
+#include <ostream>
+
+namespace vss {
+// Failures show a value as its type and text.
+inline void PrintTo(const Variant& v, std::ostream* os) {
+    *os << Variant::typeName(v.type());
+    if (v.type() == Variant::Type::Text)
+        *os << " \"" << v.text() << '"';
+    else if (v.isNumeric())
+        *os << ' ' << v.toDouble();
+}
+} // namespace vss
 
 template <typename Control> class HostWindow : public ::testing::Test {
 protected:
