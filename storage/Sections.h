@@ -1,0 +1,49 @@
+#pragma once
+
+// The sections of a setting file: each has a name (the bare "%Name" line the reader looks for), a writer that
+// takes its values from the instrument, the group codes whose import applies it, and a reader that reads its
+// fields in the order the writer wrote them and hands the values to a SettingTarget.
+
+#include "driver/Handles.h"
+#include "storage/SettingTarget.h"
+#include "storage/fileio.h"
+
+#include <cstdint>
+#include <span>
+#include <string_view>
+
+namespace vss {
+
+struct SectionInput {
+    fileio& io;
+    const DriverHandles& handles;
+    SettingTarget& target;
+    MessageSink& sink;
+};
+
+struct SectionDef {
+    std::string_view name;
+    std::uint32_t importGroups; // bit n set: group code n imports it
+    void (*write)(fileio&, const DriverHandles&);
+    void (*read)(SectionInput&); // nullptr: recognised, nothing read
+
+    bool importedBy(int groupCode) const {
+        return groupCode > 0 && groupCode < 32 && (importGroups & (1u << groupCode)) != 0;
+    }
+};
+
+// The 21 sections in the order the reader compares them.
+std::span<const SectionDef> settingSections();
+
+// The section of that exact name, or nullptr. Also knows the customer group's informational stage
+// configuration block, which is written but never read.
+const SectionDef* findSection(std::string_view name);
+inline constexpr std::string_view kStageConfigurationInfo = "# %StageConfiguration";
+
+// Three comment lines round the name, then the name alone on a line.
+void WriteSectionHeader(fileio& io, std::string_view name);
+
+// The section's header and rows.
+void WriteSection(fileio& io, const DriverHandles& handles, const SectionDef& section);
+
+} // namespace vss

@@ -1,0 +1,176 @@
+#include "storage/SettingDiff.h"
+
+#include "storage/NumberText.h"
+#include "storage/Sections.h"
+#include "storage/modConfigFile.h"
+
+#include <map>
+
+namespace vss {
+
+namespace {
+
+std::string text(double v) { return numbertext::formatDouble(v); }
+std::string text(std::int32_t v) { return std::to_string(v); }
+std::string text(bool v) { return v ? "True" : "False"; }
+std::string text(const std::string& v) { return "\"" + v + "\""; }
+std::string text(const Variant& v) {
+    switch (v.type()) {
+    case Variant::Type::Int16:
+        return "(Integer) " + std::to_string(v.int16());
+    case Variant::Type::Int32:
+        return "(Long) " + std::to_string(v.int32());
+    case Variant::Type::Double:
+        return "(Double) " + text(v.dbl());
+    case Variant::Type::Bool:
+        return "(Boolean) " + text(v.boolean());
+    default:
+        return "(no value)";
+    }
+}
+
+std::string homeStateText(std::int32_t code) {
+    switch (code) {
+    case homestate::Stop:
+        return "HOMESTATE_STOP";
+    case homestate::Standby:
+        return "HOMESTATE_STANDBY";
+    case homestate::Run:
+        return "HOMESTATE_RUN";
+    default:
+        return "\"\"";
+    }
+}
+
+std::string headFaceText(std::int32_t face) { return face != 0 ? "SSHEADFACE_DOWNFACE" : "SSHEADFACE_UPFACE"; }
+
+// Records the file's values beside the instrument's; the instrument is only read.
+class DiffTarget : public SettingTarget {
+public:
+    explicit DiffTarget(const DriverHandles& handles) : h_(handles) {}
+
+    std::vector<SettingDifference> differences() const {
+        std::vector<SettingDifference> out;
+        for (const auto& d : items_)
+            if (d.instrument != d.file)
+                out.push_back(d);
+        return out;
+    }
+
+    void SetSpindleSpeed(std::int32_t rpm) override {
+        record("%SpindleSpeed", text(driverOf(h_).GetSpindleSpeed()), text(rpm));
+    }
+    void SetHomeState(std::int32_t homeState) override {
+        record("%HomeState", homeStateText(driverOf(h_).GetHomeState()), homeStateText(homeState));
+    }
+    void SetLoadMethod(std::int16_t method) override {
+        record("%LoadMethod", text(std::int32_t{driverOf(h_).GetLoadMethod()}), text(std::int32_t{method}));
+    }
+    void SetLoadPosition(std::int16_t which, const PositionRecord& position, std::int32_t rpm) override {
+        const LoadPosition now = loadPositionOf(h_).GetLoadPosition(which);
+        const std::string row = which == loadposition::Load ? "%LoadPosition Load " : "%LoadPosition Unload ";
+        record(row + "Radius", text(now.position.radius), text(position.radius));
+        record(row + "Skew", text(now.position.skew), text(position.skew));
+        record(row + "RPM", text(now.rpm), text(rpm));
+    }
+    void SetDataArea(double innerRadius, std::int32_t maxTrack, double pitch) override {
+        const DataArea now = driverOf(h_).GetDataArea();
+        record("%DataArea InnerRadius", text(now.innerRadius), text(innerRadius));
+        record("%DataArea MaxTrack", text(now.maxTrack), text(maxTrack));
+        record("%DataArea Pitch", text(now.pitch), text(pitch));
+    }
+    void SetDiskSizeRestriction(bool on) override {
+        record("%DiskSizeRestriction", text(diskSizeOf(h_).GetDiskSizeRestriction()), text(on));
+    }
+    void SetStopperPosition(std::int16_t index, double position) override {
+        record(index == stopper::Outer ? "%StopperPosition Outer" : "%StopperPosition Inner",
+               text(serviceOf(h_).GetStopperPosition(index)), text(position));
+    }
+    void SetStageGeometry(std::int16_t index, double value) override {
+        static const char* const names[] = {"Stage2Spindle", "Stage2Ref", "Offset"};
+        record(std::string("%StageConfiguration ") + names[index % 3], text(serviceOf(h_).GetStageGeometry(index)),
+               text(value));
+    }
+    void SetSettingUnknown(bool unknown) override {
+        record("%SettingUnknown", text(serviceOf(h_).GetSettingUnknown()), text(unknown));
+    }
+    void SetSpinstandType(std::int16_t type) override {
+        record("%SpinstandType", text(std::int32_t{serviceOf(h_).GetSpinstandType()}), text(std::int32_t{type}));
+    }
+    void SetHeadFace(std::int32_t face) override {
+        record("%HeadFace", headFaceText(serviceOf(h_).GetHeadFace()), headFaceText(face));
+    }
+    void SetDiskSizeRange(double min, double max) override {
+        const DoubleRange now = serviceOf(h_).GetDiskSizeRange();
+        record("%DiskSize Min", text(now.min), text(min));
+        record("%DiskSize Max", text(now.max), text(max));
+    }
+    void SetSpeedRange(std::int32_t min, std::int32_t max) override {
+        const SpeedRange now = serviceOf(h_).GetSpeedRange();
+        record("%SpindleSpeedRange Min", text(now.min), text(min));
+        record("%SpindleSpeedRange Max", text(now.max), text(max));
+    }
+    void SetProperty(PropertyKind kind, std::int16_t id, const std::string& name, const Variant& value) override {
+        const bool spindle = kind == PropertyKind::Spindle;
+        const Variant now = spindle ? serviceOf(h_).GetSpindleProperty(id) : serviceOf(h_).GetStageProperty(id);
+        record((spindle ? "%SpindleProperty " : "%StageProperty ") + name, text(now), text(value));
+    }
+    void SetPiezoSerial(const std::string& serial) override {
+        record("%PiezoSerial", text(serviceOf(h_).GetPiezoSerial()), text(serial));
+    }
+    void SetPiezoCalCoef(const PiezoCalCoef& coef) override {
+        const PiezoCalCoef now = serviceOf(h_).GetPiezoCalCoef();
+        record("%PiezoCalCoef Volt min", text(now.vmin), text(coef.vmin));
+        record("%PiezoCalCoef Volt max", text(now.vmax), text(coef.vmax));
+        record("%PiezoCalCoef Position min", text(now.xmin), text(coef.xmin));
+        record("%PiezoCalCoef Position max", text(now.xmax), text(coef.xmax));
+        recordColumn("%PiezoCalCoef Coef", now.coef, coef.coef);
+    }
+    void SetPiezoAdjust(std::int16_t index, std::int32_t dac) override {
+        record("%PiezoAdjust DAC " + std::to_string(index), text(serviceOf(h_).GetPiezoAdjust(index)), text(dac));
+    }
+    void SetPiezoControlData(const PiezoControlData& data) override {
+        const PiezoControlData now = serviceOf(h_).GetPiezoControlData();
+        recordColumn("%PiezoControlData Lth", now.lth, data.lth);
+        recordColumn("%PiezoControlData Ta", now.ta, data.ta);
+        recordColumn("%PiezoControlData Ks", now.ks, data.ks);
+        recordColumn("%PiezoControlData Lstep", now.lstep, data.lstep);
+        recordColumn("%PiezoControlData Tstep", now.tstep, data.tstep);
+    }
+    void SetBacklashCompensation(std::int16_t index, std::int32_t value) override {
+        record("%BacklashCompensationData " + std::to_string(index),
+               text(serviceOf(h_).GetBacklashCompensation(index)), text(value));
+    }
+
+private:
+    void record(const std::string& item, std::string instrument, std::string file) {
+        const auto [it, inserted] = index_.try_emplace(item, items_.size());
+        if (inserted)
+            items_.push_back({item, std::move(instrument), std::move(file)});
+        else
+            items_[it->second] = {item, std::move(instrument), std::move(file)};
+    }
+    void recordColumn(const std::string& item, const std::vector<double>& now, const std::vector<double>& file) {
+        record(item + " count", text(static_cast<std::int32_t>(now.size())),
+               text(static_cast<std::int32_t>(file.size())));
+        for (std::size_t i = 0; i < file.size() && i < now.size(); ++i)
+            record(item + " " + std::to_string(i), text(now[i]), text(file[i]));
+    }
+
+    const DriverHandles& h_;
+    std::vector<SettingDifference> items_;
+    std::map<std::string, std::size_t> index_;
+};
+
+} // namespace
+
+std::vector<SettingDifference> DiffGroup(int groupCode, const std::string& fileName, const DriverHandles& handles,
+                                         MessageSink& sink) {
+    fileio io(sink);
+    io.setFileName(fileName);
+    DiffTarget target(handles);
+    ReadSettingFile(io, handles, groupCode, target, sink);
+    return target.differences();
+}
+
+} // namespace vss
