@@ -1,0 +1,113 @@
+#include "tools/vsstool-config/CommandLine.h"
+
+#include "storage/modConfigFile.h"
+
+namespace vss::config {
+
+namespace {
+
+struct VerbDef {
+    std::string_view word;
+    Verb verb;
+    bool takesGroup;
+    bool takesFile;
+};
+
+constexpr VerbDef kVerbs[] = {
+    {"export", Verb::Export, true, true},  {"import", Verb::Import, true, true},
+    {"backup", Verb::Backup, false, true}, {"restore", Verb::Restore, false, true},
+    {"diff", Verb::Diff, false, true},     {"save", Verb::Save, true, false},
+    {"recall", Verb::Recall, true, false},
+};
+
+std::string checkGroup(const VerbDef& verb, const std::string& group) {
+    const bool saveOrRecall = verb.verb == Verb::Save || verb.verb == Verb::Recall;
+    if (saveOrRecall && group == "all")
+        return {};
+    const GroupDef* def = findGroup(group);
+    if (def == nullptr)
+        return "unknown group \"" + group + "\" after " + std::string(verb.word);
+    if (verb.verb == Verb::Import && def->importCode == 0)
+        return "the group \"" + group + "\" can be exported but not imported";
+    if (saveOrRecall && group == "setting")
+        return "the group \"setting\" takes effect as it is set and has no save or recall";
+    return {};
+}
+
+} // namespace
+
+ParseResult parseCommandLine(const std::vector<std::string>& args) {
+    CommandLine line;
+    for (std::size_t i = 0; i < args.size(); ++i) {
+        const std::string& arg = args[i];
+        auto value = [&](std::string& into) {
+            if (i + 1 >= args.size())
+                return false;
+            into = args[++i];
+            return true;
+        };
+        if (arg == "--simulate") {
+            line.simulate = true;
+        } else if (arg == "--sim-state" || arg == "--trace") {
+            if (!value(arg == "--trace" ? line.trace : line.simState))
+                return {std::nullopt, arg + " needs a file name"};
+        } else if (arg == "--quiet") {
+            line.quiet = true;
+        } else if (arg == "--yes") {
+            line.yes = true;
+        } else if (arg == "--help" || arg == "-h") {
+            line.help = true;
+        } else if (arg.starts_with("--")) {
+            return {std::nullopt, "unknown option " + arg};
+        } else {
+            const VerbDef* verb = nullptr;
+            for (const VerbDef& v : kVerbs)
+                if (v.word == arg)
+                    verb = &v;
+            if (verb == nullptr)
+                return {std::nullopt, "unknown action \"" + arg + "\""};
+            Action action{verb->verb, {}, {}};
+            if (verb->takesGroup && !value(action.group))
+                return {std::nullopt, arg + " needs a group name"};
+            if (verb->takesFile && !value(action.file))
+                return {std::nullopt, arg + " needs a file name"};
+            if (verb->takesGroup) {
+                if (std::string error = checkGroup(*verb, action.group); !error.empty())
+                    return {std::nullopt, error};
+            }
+            line.actions.push_back(std::move(action));
+        }
+    }
+    if (!line.help && line.actions.empty())
+        return {std::nullopt, "no action given"};
+    return {std::move(line), {}};
+}
+
+std::string_view usageText() {
+    return "usage: vsstool-config [options] action...\n"
+           "Backs up and restores the settings of one instrument. The actions run in order in one session.\n"
+           "\n"
+           "actions:\n"
+           "  export GROUP FILE   append GROUP as a report to FILE\n"
+           "  import GROUP FILE   apply the sections of FILE that GROUP takes\n"
+           "  backup FILE         append every group to FILE as one report\n"
+           "  restore FILE        apply every importable group of FILE; shows the changes and asks first\n"
+           "  diff FILE           show each value of FILE that differs from the instrument; changes nothing\n"
+           "  save GROUP|all      store the group in the instrument's non-volatile memory\n"
+           "  recall GROUP|all    reload the group from the instrument's non-volatile memory\n"
+           "\n"
+           "groups: setting, customer, stage-config, spinstand, spindle, stage, piezo, piezo-control,\n"
+           "        piezo-adjust, backlash, piezo-info (export only)\n"
+           "\n"
+           "options:\n"
+           "  --simulate          use the simulated instrument even where the driver is installed\n"
+           "  --sim-state FILE    the simulated instrument's non-volatile memory file\n"
+           "  --trace FILE        append every driver call to FILE\n"
+           "  --quiet             print only errors and differences\n"
+           "  --yes               restore without asking\n"
+           "  --help              show this text\n"
+           "\n"
+           "exit status: 0 no message, 1 messages were raised, 2 usage error or a file that could not be opened\n";
+}
+
+} // namespace vss::config

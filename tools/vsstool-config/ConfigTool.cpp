@@ -1,0 +1,246 @@
+#include "tools/vsstool-config/ConfigTool.h"
+
+#include "driver/Factory.h"
+#include "storage/SettingDiff.h"
+#include "storage/modConfigFile.h"
+
+#include <istream>
+#include <ostream>
+#include <set>
+
+namespace vss::config {
+
+namespace {
+
+// Discards messages: the restore shows the file's messages once, while previewing.
+class SilentSink : public MessageSink {
+public:
+    void show(std::string_view, std::string_view) override {}
+};
+
+DriverHandles acquireHandles(DriverObject& object) {
+    DriverHandles h;
+    h.driver = QueryInterface<IDriver>(object);
+    h.piezo = QueryInterface<IDriverPiezo>(object);
+    h.stage = QueryInterface<IDriverStage>(object);
+    h.loadPosition = QueryInterface<IDriverLoadPosition>(object);
+    h.headLoader = QueryInterface<IDriverHeadLoader>(object);
+    h.spindle = QueryInterface<IDriverSpindle>(object);
+    h.clamp = QueryInterface<IDriverClamp>(object);
+    h.headFace = QueryInterface<IDriverHeadFace>(object);
+    h.index = QueryInterface<IDriverIndex>(object);
+    h.interlock = QueryInterface<IDriverInterlock>(object);
+    h.diskSize = QueryInterface<IDriverDiskSize>(object);
+    h.service = QueryInterface<IDriverService>(object);
+    return h;
+}
+
+// The instrument's non-volatile memory groups behind each setting group.
+enum class Memory { Customer, Spinstand, SpindleProperty, StageProperty, PiezoData, Backlash };
+
+struct MemoryOps {
+    Memory memory;
+    std::string_view name;
+    void (IDriverService::*save)();
+    void (IDriverService::*recall)();
+};
+
+constexpr MemoryOps kMemories[] = {
+    {Memory::Customer, "customer configuration", &IDriverService::SaveCustomerConfiguration,
+     &IDriverService::RecallCustomerConfiguration},
+    {Memory::Spinstand, "spinstand configuration", &IDriverService::SaveSpinstandConfiguration,
+     &IDriverService::RecallSpinstandConfiguration},
+    {Memory::SpindleProperty, "spindle property", &IDriverService::SaveSpindleProperty,
+     &IDriverService::RecallSpindleProperty},
+    {Memory::StageProperty, "stage property", &IDriverService::SaveStageProperty,
+     &IDriverService::RecallStageProperty},
+    {Memory::PiezoData, "piezo data", &IDriverService::SavePiezoData, &IDriverService::RecallPiezoData},
+    {Memory::Backlash, "backlash compensation", &IDriverService::SaveBacklashCompensation,
+     &IDriverService::RecallBacklashCompensation},
+};
+
+Memory memoryOf(SettingGroup group) {
+    switch (group) {
+    case SettingGroup::Customer:
+    case SettingGroup::CustomerStageConfiguration:
+        return Memory::Customer;
+    case SettingGroup::Spinstand:
+        return Memory::Spinstand;
+    case SettingGroup::SpindleProperty:
+        return Memory::SpindleProperty;
+    case SettingGroup::StageProperty:
+        return Memory::StageProperty;
+    case SettingGroup::BacklashCompensation:
+        return Memory::Backlash;
+    default:
+        return Memory::PiezoData;
+    }
+}
+
+class Runner {
+public:
+    Runner(const CommandLine& line, const DriverHandles& handles, std::istream& in, std::ostream& out,
+           ConsoleSink& sink)
+        : line_(line), h_(handles), in_(in), out_(out), sink_(sink) {}
+
+    void run(const Action& action) {
+        switch (action.verb) {
+        case Verb::Export:
+            ExportGroup(findGroup(action.group)->group, action.file, h_, sink_);
+            note("exported " + action.group + " to " + action.file);
+            break;
+        case Verb::Import:
+            ImportGroup(findGroup(action.group)->importCode, action.file, h_, sink_);
+            note("imported " + action.group + " from " + action.file);
+            break;
+        case Verb::Backup:
+            ExportAllGroups(action.file, h_, sink_);
+            note("backed up every group to " + action.file);
+            break;
+        case Verb::Diff:
+            printDifferences(differences(action.file, sink_));
+            break;
+        case Verb::Restore:
+            restore(action.file);
+            break;
+        case Verb::Save:
+        case Verb::Recall:
+            saveOrRecall(action);
+            break;
+        }
+    }
+
+private:
+    void note(const std::string& text) {
+        if (!line_.quiet)
+            out_ << text << '\n';
+    }
+
+    // Every importable group's differences, each item once.
+    std::vector<SettingDifference> differences(const std::string& file, MessageSink& sink) {
+        std::vector<SettingDifference> all;
+        std::set<std::string> seen;
+        for (const GroupDef& g : settingGroups()) {
+            if (g.importCode == 0)
+                continue;
+            for (auto& d : DiffGroup(g.importCode, file, h_, sink))
+                if (seen.insert(d.item).second)
+                    all.push_back(std::move(d));
+            if (sink_.openFailures() > 0)
+                break;
+        }
+        return all;
+    }
+
+    void printDifferences(const std::vector<SettingDifference>& diffs) {
+        for (const auto& d : diffs)
+            out_ << d.item << ": instrument " << d.instrument << ", file " << d.file << '\n';
+        if (diffs.empty())
+            note("no value differs");
+    }
+
+    void restore(const std::string& file) {
+        const auto diffs = differences(file, sink_);
+        if (sink_.openFailures() > 0)
+            return;
+        printDifferences(diffs);
+        if (diffs.empty())
+            return;
+        if (!line_.yes) {
+            out_ << "Apply these changes to the instrument? [y/N] " << std::flush;
+            std::string answer;
+            std::getline(in_, answer);
+            if (answer.empty() || (answer[0] != 'y' && answer[0] != 'Y')) {
+                out_ << "restore cancelled; nothing was changed\n";
+                return;
+            }
+        }
+        SilentSink silent;
+        for (const GroupDef& g : settingGroups())
+            if (g.importCode != 0)
+                ImportGroup(g.importCode, file, h_, silent);
+        note("restored " + file);
+    }
+
+    void saveOrRecall(const Action& action) {
+        const bool save = action.verb == Verb::Save;
+        for (const MemoryOps& m : kMemories) {
+            if (action.group != "all" && m.memory != memoryOf(findGroup(action.group)->group))
+                continue;
+            (h_.service.get()->*(save ? m.save : m.recall))();
+            note(std::string(save ? "saved " : "recalled ") + std::string(m.name));
+        }
+    }
+
+    const CommandLine& line_;
+    const DriverHandles& h_;
+    std::istream& in_;
+    std::ostream& out_;
+    ConsoleSink& sink_;
+};
+
+} // namespace
+
+void ConsoleSink::showAt(std::string_view text, std::string_view title, const FieldPosition& where) {
+    ++messages_;
+    if (where.openFailed)
+        ++openFailures_;
+    err_ << "error: " << (title.empty() ? kAppTitle : title) << ": " << text;
+    if (!where.fileName.empty() || where.openFailed) {
+        err_ << " (file " << where.fileName;
+        if (where.line > 0)
+            err_ << ", line " << where.line << ", field " << where.field;
+        err_ << ')';
+    }
+    err_ << '\n';
+}
+
+void ConsoleSink::error(std::string_view text) {
+    ++messages_;
+    err_ << "error: " << kAppTitle << ": " << text << '\n';
+}
+
+int runTool(const CommandLine& line, std::istream& in, std::ostream& out, std::ostream& err) {
+    ConsoleSink sink(err);
+    DriverOptions options;
+    options.forceSimulator = line.simulate;
+    options.simStatePath = line.simState;
+    try {
+        if (!line.trace.empty())
+            options.trace = std::make_shared<TraceFile>(line.trace);
+    } catch (const std::exception& e) {
+        sink.error(e.what());
+        return 2;
+    }
+
+    DriverHandles handles;
+    try {
+        auto object = CreateDriverObject(kDriverProgId, options);
+        handles = acquireHandles(*object);
+        handles.driver->Open(std::string(kDefaultResource));
+        handles.service->BeginService();
+    } catch (const std::exception& e) {
+        sink.error(e.what());
+        return 1;
+    }
+
+    // A failing action ends the run, as a failing driver call ends a window's handler; the session is
+    // closed in every case.
+    Runner runner(line, handles, in, out, sink);
+    try {
+        for (const Action& action : line.actions)
+            runner.run(action);
+    } catch (const std::exception& e) {
+        sink.error(e.what());
+    }
+    try {
+        handles.driver->Close();
+    } catch (const std::exception& e) {
+        sink.error(e.what());
+    }
+    if (sink.openFailures() > 0)
+        return 2;
+    return sink.messages() > 0 ? 1 : 0;
+}
+
+} // namespace vss::config
