@@ -1,0 +1,119 @@
+// The setting file reader on files written by hand: which sections apply, and what it tolerates.
+
+#include "storage/modConfigFile.h"
+
+#include "tests/storage/RecordingTarget.h"
+#include "tests/storage/StorageTestSupport.h"
+
+#include <chrono>
+
+namespace vss {
+namespace {
+
+using Calls = std::vector<std::string>;
+
+struct ReadResult {
+    Calls calls;
+    std::vector<std::string> messages;
+    friend bool operator==(const ReadResult&, const ReadResult&) = default;
+    friend void PrintTo(const ReadResult& r, std::ostream* os) {
+        *os << ::testing::PrintToString(r.calls) << " messages " << ::testing::PrintToString(r.messages);
+    }
+};
+
+ReadResult readFile(const std::string& bytes, int groupCode) {
+    test::ScratchDir dir;
+    test::RecordingSink sink;
+    test::RecordingTarget target;
+    fileio io(sink);
+    io.setFileName(dir.write("in.csv", bytes));
+    ReadSettingFile(io, DriverHandles{}, groupCode, target, sink);
+    return {target.calls, sink.texts()};
+}
+
+TEST(SettingReader, AppliesOnlyTheSectionsOfItsGroupAndDropsEverythingElseSilently) {
+    const std::string file = "; header\r\n\r\n"
+                             "%SpindleSpeed\r\n5400,\r\n"
+                             "%Unknown\r\n1,2,3,\r\n"
+                             "%StageConfiguration\r\n; Stage2Spindle,; Stage2Ref,; Offset\r\n0.1,0.2,-0.003,\r\n"
+                             "%PiezoCalData\r\n\"Nop\",2,\r\n\"Volt\",1,2,\r\n"
+                             "# %StageConfiguration\r\n; 9,; 9,; 9\r\n"
+                             "%DiskSize\r\n0.02,0.05,\r\n";
+    EXPECT_EQ(readFile(file, 3),
+              (ReadResult{{"SetStageGeometry(0,0.1)", "SetStageGeometry(1,0.2)", "SetStageGeometry(2,-0.003)"}, {}}));
+    EXPECT_EQ(readFile(file, 1), (ReadResult{{"SetSpindleSpeed(5400)"}, {}}));
+    EXPECT_EQ(readFile(file, 4), (ReadResult{{"SetDiskSizeRange(0.02,0.05)"}, {}}));
+    EXPECT_EQ(readFile(file, 8), (ReadResult{{}, {}}));
+    EXPECT_EQ(readFile("", 1), (ReadResult{{}, {}}));
+}
+
+TEST(SettingReader, SectionNamesMatchInQuotesAndAmongBlanksButNotInAnotherCase) {
+    EXPECT_EQ(readFile("\" %SpinstandType \",3,\r\n  %SpinstandType  ,4,\r\n%spinstandtype,5,\r\n", 4),
+              (ReadResult{{"SetSpinstandType(3)", "SetSpinstandType(4)"}, {}}));
+}
+
+TEST(SettingReader, ASectionPresentTwiceIsAppliedTwiceInFileOrder) {
+    const std::string once = "%HomeState\r\n\"HOMESTATE_RUN\",\r\n%HeadFace\r\n\"SSHEADFACE_DOWNFACE\",\r\n";
+    const std::string again = "%HomeState\r\n\"HOMESTATE_STANDBY\",\r\n%HeadFace\r\n\"downface\",\r\n";
+    EXPECT_EQ(readFile(once + again, 1).calls, (Calls{"SetHomeState(4)", "SetHomeState(2)"}));
+    EXPECT_EQ(readFile(once + again, 4).calls, (Calls{"SetHeadFace(1)", "SetHeadFace(0)"}));
+}
+
+TEST(SettingReader, ACommentHoldingACommaYieldsADataFieldThatCanNameASection) {
+    EXPECT_EQ(readFile("; Hardware : rev A,%LoadMethod\r\n2\r\n", 1).calls, (Calls{"SetLoadMethod(2)"}));
+}
+
+TEST(SettingReader, ABadFieldRaisesAMessagePerReadAndShiftsTheRestOfTheSectionWhoseValuesAreStillSent) {
+    const auto result = readFile("%LoadPosition\r\n; n,; Radius,; Skew,; RPM\r\n"
+                                 "\"Load\",x,0,5400,\r\n\"Unload\",0.02,1.5,7200,\r\n",
+                                 1);
+    EXPECT_EQ(result.calls, (Calls{"SetLoadPosition(1,0,0,0)", "SetLoadPosition(2,0,5400,0)"}));
+    EXPECT_EQ(result.messages, (std::vector<std::string>{"Not Numeric Value(Double).", "Not Numeric Value(Double).",
+                                                         "Not Numeric Value(Long).", "Not Numeric Value(Long)."}));
+}
+
+TEST(SettingReader, WordEncodingsReadExactlyAndAnythingElseMeansTheDefault) {
+    EXPECT_EQ(readFile("%DiskSizeRestriction\r\n\"True\",\r\n%DiskSizeRestriction\r\n\"true\",\r\n"
+                       "%HomeState\r\n\"HOMESTATE_STOP\",\r\n%HomeState\r\n\"\",\r\n",
+                       1)
+                  .calls,
+              (Calls{"SetDiskSizeRestriction(true)", "SetDiskSizeRestriction(false)", "SetHomeState(1)",
+                     "SetHomeState(0)"}));
+}
+
+TEST(SettingReader, CountsFarLargerThanTheDataStopAtTheEndOrAtTheFirstBadValue) {
+    const auto start = std::chrono::steady_clock::now();
+    // The file ends after three coefficients.
+    EXPECT_EQ(readFile("%PiezoCalCoef\r\n\"Volt\",0,10,\r\n\"Position\",0,0.00001,\r\n\"Nop\",32000,\r\n"
+                       "\"Coef\",1,2,3,\r\n",
+                       7),
+              (ReadResult{{"SetPiezoCalCoef(0,10,0,0.00001,1,2,3)"}, {}}));
+    // The data runs into the next section: one message, not thousands.
+    const auto intoNext = readFile("%PiezoControlData\r\n\"Nop\",30000,\r\n\"0\",1,2,3,4,5,\r\n"
+                                   "%PiezoSerial\r\n\"S1\",\r\n",
+                                   8);
+    EXPECT_EQ(intoNext.calls, (Calls{"SetPiezoControlData(2)"}));
+    EXPECT_EQ(intoNext.messages.size(), 5u); // the five reads of the row that met the section name
+    // A negative count reads nothing.
+    EXPECT_EQ(readFile("%PiezoCalCoef\r\n\"Volt\",0,1,\r\n\"Position\",0,1,\r\n\"Nop\",-5,\r\n\"Coef\",9,\r\n", 7).calls,
+              (Calls{"SetPiezoCalCoef(0,1,0,1)"}));
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(2));
+}
+
+TEST(SettingReader, ANumberOutOfRangeStopsTheReadWithItsPosition) {
+    test::ScratchDir dir;
+    test::RecordingSink sink;
+    test::RecordingTarget target;
+    fileio io(sink);
+    io.setFileName(dir.write("in.csv", "%SpindleSpeed\r\n7200,\r\n%SpinstandType\r\n40000,\r\n"));
+    try {
+        ReadSettingFile(io, DriverHandles{}, 4, target, sink);
+        FAIL() << "no NumberOutOfRange";
+    } catch (const NumberOutOfRange& e) {
+        EXPECT_EQ(e.where().line, 4);
+        EXPECT_EQ(e.where().field, 1);
+    }
+}
+
+} // namespace
+} // namespace vss
