@@ -1,7 +1,7 @@
 #pragma once
 
-// The look the value fields share: read-only editors have the button-face background, editable ones the window
-// background, both taken from the application's palette.
+// The look the value fields share: read-only editors have the button-face background, editable ones the
+// window background, both taken from the application's palette.
 
 #include "controls/FieldLayout.h"
 #include "controls/Twips.h"

@@ -33,10 +33,14 @@ bool isRightAligned(Variant::Type type) {
 
 namespace {
 
-bool isDigit(char c) { return c >= '0' && c <= '9'; }
-bool isBlank(char c) { return c == ' ' || c == '\t'; }
+bool isDigit(char c) {
+    return c >= '0' && c <= '9';
+}
+bool isBlank(char c) {
+    return c == ' ' || c == '\t';
+}
 
-// Reads the grammar's tokens from the front of the text, building the number in the form std::from_chars reads.
+// Reads the grammar's tokens from the front of the text and builds the number as std::from_chars reads it.
 class NumberScanner {
 public:
     NumberScanner(std::string_view text, std::string_view separator) : rest_(text), separator_(separator) {}
@@ -130,8 +134,12 @@ std::optional<double> parseTypedNumber(std::string_view text, std::string_view d
     return NumberScanner(text, decimalSeparator).scan();
 }
 
-std::optional<std::int16_t> toInt16(double number) { return toInt<std::int16_t>(number); }
-std::optional<std::int32_t> toInt32(double number) { return toInt<std::int32_t>(number); }
+std::optional<std::int16_t> toInt16(double number) {
+    return toInt<std::int16_t>(number);
+}
+std::optional<std::int32_t> toInt32(double number) {
+    return toInt<std::int32_t>(number);
+}
 
 Variant valueFromTypedText(const Variant& current, std::string_view text, double dblScale,
                            std::string_view decimalSeparator) {

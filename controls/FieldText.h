@@ -1,7 +1,7 @@
 #pragma once
 
-// The two directions between a field's value and its text, without any widget: the text a value is shown as, and
-// the value a commit of typed text produces. The value fields only wire these to their text box.
+// The two directions between a field's value and its text, without any widget: the text a value is shown as,
+// and the value a commit of typed text produces. The value fields only wire these to their text box.
 
 #include "driver/Variant.h"
 
@@ -27,12 +27,12 @@ bool isRightAligned(Variant::Type type);
 //   point    := "." | decimalSeparator (the locale's separator, for example ",")
 //   exponent := ("E" | "e") sign? digit+
 //   blank    := " " | "\t"
-// No blanks inside the number, no thousands grouping, no hexadecimal, no "inf" or "nan". A number beyond the range
-// of a double (1e400, 1e-400) is rejected. Returns nullopt for any text that does not match.
+// No blanks inside the number, no thousands grouping, no hexadecimal, no "inf" or "nan". A number beyond the
+// range of a double (1e400, 1e-400) is rejected. Returns nullopt for any text that does not match.
 std::optional<double> parseTypedNumber(std::string_view text, std::string_view decimalSeparator = ".");
 
-// A typed number as an integer of the field's width: rounded to the nearest, halves away from zero (2.5 gives 3,
-// -2.5 gives -3); nullopt when the rounded number lies outside the type's range.
+// A typed number as an integer of the field's width: rounded to the nearest, halves away from zero (2.5 gives
+// 3, -2.5 gives -3); nullopt when the rounded number lies outside the type's range.
 std::optional<std::int16_t> toInt16(double number);
 std::optional<std::int32_t> toInt32(double number);
 

@@ -7,7 +7,6 @@
 #include <QFont>
 #include <QLabel>
 #include <QWidget>
-
 #include <cstdint>
 #include <initializer_list>
 
@@ -28,7 +27,9 @@ enum class Look { Unlocked, Locked, Disabled };
 constexpr Look kLooks[] = {Look::Unlocked, Look::Locked, Look::Disabled};
 constexpr const char* kLookNames[] = {"Unlocked", "Locked", "Disabled"};
 
-int columnLeft(int column) { return kMargin + kNameWidth + column * (kColumnWidth + kColumnGap); }
+int columnLeft(int column) {
+    return kMargin + kNameWidth + column * (kColumnWidth + kColumnGap);
+}
 
 template <typename Control> struct Row {
     const char* name;
@@ -38,18 +39,21 @@ template <typename Control> struct Row {
 const Row<userText> kTextRows[] = {
     {"Null", [](userText&) {}},
     {"16-bit integer", [](userText& t) { t.setValue(std::int16_t{-1}); }},
-    {"32-bit integer, rpm", [](userText& t) {
+    {"32-bit integer, rpm",
+     [](userText& t) {
          t.setOptStr("rpm");
          t.setOptStrWidth(kUnitWidth);
          t.setValue(std::int32_t{7200});
      }},
-    {"Double, mm", [](userText& t) {
+    {"Double, mm",
+     [](userText& t) {
          t.setDblScale(0.001);
          t.setOptStr("mm");
          t.setOptStrWidth(kUnitWidth);
          t.setValue(0.0125);
      }},
-    {"Double, um", [](userText& t) {
+    {"Double, um",
+     [](userText& t) {
          t.setDblScale(0.000001);
          t.setOptStr("um");
          t.setOptStrWidth(kUnitWidth);
@@ -69,33 +73,39 @@ void fillDiskSizes(userProperty& p) {
 }
 
 const Row<userProperty> kPropertyRows[] = {
-    {"List", [](userProperty& p) {
+    {"List",
+     [](userProperty& p) {
          p.setCaption("Disk size");
          fillDiskSizes(p);
          p.setValue(std::int16_t{2});
      }},
-    {"32-bit integer", [](userProperty& p) {
+    {"32-bit integer",
+     [](userProperty& p) {
          p.setCaption("Spindle speed");
          p.setOptStr("rpm");
          p.setOptStrWidth(kUnitWidth);
          p.setValue(std::int32_t{5400});
      }},
-    {"Double", [](userProperty& p) {
+    {"Double",
+     [](userProperty& p) {
          p.setCaption("Radius");
          p.setDblScale(0.001);
          p.setOptStr("mm");
          p.setOptStrWidth(kUnitWidth);
          p.setValue(0.0225);
      }},
-    {"Text", [](userProperty& p) {
+    {"Text",
+     [](userProperty& p) {
          p.setCaption("Name");
          p.setValue("Spinstand");
      }},
-    {"Check box", [](userProperty& p) {
+    {"Check box",
+     [](userProperty& p) {
          p.setCaption("Lockdown");
          p.setValue(true);
      }},
-    {"Fixed label width", [](userProperty& p) {
+    {"Fixed label width",
+     [](userProperty& p) {
          p.setCaption("Skew");
          p.setLayoutAuto(false);
          p.setLabelWidth(1200);
@@ -103,7 +113,8 @@ const Row<userProperty> kPropertyRows[] = {
          p.setOptStrWidth(kUnitWidth);
          p.setValue(-12.5);
      }},
-    {"Label right-aligned", [](userProperty& p) {
+    {"Label right-aligned",
+     [](userProperty& p) {
          p.setCaption("Offset");
          p.setLabelAlignment(Qt::AlignRight);
          p.setValue(std::int32_t{-40});
@@ -132,7 +143,8 @@ int addSection(QWidget* window, int top, const char* heading, const Row<Control>
         addLabel(window, row.name, kMargin, top, kNameWidth);
         for (std::size_t column = 0; column < std::size(kLooks); ++column) {
             auto* control = new Control(window);
-            control->setGeometry(twipsRect(columnLeft(static_cast<int>(column)), top, kColumnWidth, kRowHeight));
+            control->setGeometry(
+                twipsRect(columnLeft(static_cast<int>(column)), top, kColumnWidth, kRowHeight));
             row.setup(*control);
             control->setLocked(kLooks[column] == Look::Locked);
             control->setEnabled(kLooks[column] != Look::Disabled);
@@ -150,7 +162,8 @@ QWidget* createControlsGallery(QWidget* parent) {
     int top = kMargin;
     top = addSection(window, top, "Numeric text field", kTextRows);
     top = addSection(window, top, "Labelled property field", kPropertyRows);
-    window->setFixedSize(twipsSize(columnLeft(static_cast<int>(std::size(kLooks))) - kColumnGap + kMargin, top));
+    window->setFixedSize(
+        twipsSize(columnLeft(static_cast<int>(std::size(kLooks))) - kColumnGap + kMargin, top));
     return window;
 }
 

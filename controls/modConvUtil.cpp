@@ -8,7 +8,9 @@
 
 namespace vss {
 
-float Log10(double x) { return static_cast<float>(std::log(x) / std::log(10.0)); }
+float Log10(double x) {
+    return static_cast<float>(std::log(x) / std::log(10.0));
+}
 
 namespace {
 

@@ -1,16 +1,16 @@
 #pragma once
 
-// Number formatting shared by the value fields, the reports and the setting files: a double written with a fixed
-// number of significant digits in engineering notation (the exponent a multiple of 3).
+// Number formatting shared by the value fields, the reports and the setting files: a double written with a
+// fixed number of significant digits in engineering notation (the exponent a multiple of 3).
 
 #include <cstdint>
 #include <string>
 
 namespace vss {
 
-// The base-10 logarithm of a positive x, computed as ln(x) / ln(10) in double precision and then rounded to single
-// precision. The rounding is deliberate: ln(1000) / ln(10) is just below 3 in double precision but exactly 3 in
-// single precision, so exact powers of ten get the exponent of their own order. x <= 0 gives -inf or NaN.
+// The base-10 logarithm of a positive x: ln(x) / ln(10) in double precision, then rounded to single
+// precision. The rounding is deliberate: ln(1000) / ln(10) is just below 3 in double precision but exactly 3
+// in single precision, so exact powers of ten get the exponent of their own order. x <= 0 gives -inf or NaN.
 float Log10(double x);
 
 // `value` with `digits` significant digits in engineering notation:
@@ -20,12 +20,12 @@ float Log10(double x);
 // Examples with 4 digits: 0 -> "0.000", 12.5 -> "12.50", 123456 -> "123.5E+3", 0.5 -> "500.0E-3".
 //
 // - The point is always "." and there is no thousands grouping; negatives carry a leading "-".
-// - Rounding: the mantissa is taken to 15 significant digits (what a double holds reliably) and then rounded to p
-//   places with halves away from zero, so 12.345 gives "12.35" although its binary value lies just below.
+// - Rounding: the mantissa is taken to 15 significant digits (what a double holds reliably), then rounded
+//   to p places with halves away from zero, so 12.345 gives "12.35" although its binary value lies below.
 // - There is no renormalisation after rounding: 999.96 with 4 digits gives "1000.0".
-// - A negative number of places (digits smaller than r + 1, for example 250 with 1 digit) is clamped to 0: the
-//   mantissa is written as a whole number ("250").
-// - digits - 1 - r is 16-bit arithmetic: when it overflows (digits near -32768) std::overflow_error is thrown.
+// - A negative number of places (digits smaller than r + 1, for example 250 with 1 digit) is clamped to 0:
+//   the mantissa is written as a whole number ("250").
+// - digits - 1 - r is 16-bit arithmetic: when it overflows (digits near -32768), std::overflow_error.
 // - Infinities and NaN are written "Inf", "-Inf" and "NaN".
 std::string FormatEngNumber(double value, std::int16_t digits);
 

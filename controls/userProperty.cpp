@@ -9,7 +9,6 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QSignalBlocker>
-
 #include <limits>
 
 namespace vss {
@@ -24,10 +23,16 @@ public:
     void setLocked(bool locked) { locked_ = locked; }
 
 protected:
-    void mousePressEvent(QMouseEvent* event) override { locked_ ? event->ignore() : QComboBox::mousePressEvent(event); }
-    void keyPressEvent(QKeyEvent* event) override { locked_ ? event->ignore() : QComboBox::keyPressEvent(event); }
+    void mousePressEvent(QMouseEvent* event) override {
+        locked_ ? event->ignore() : QComboBox::mousePressEvent(event);
+    }
+    void keyPressEvent(QKeyEvent* event) override {
+        locked_ ? event->ignore() : QComboBox::keyPressEvent(event);
+    }
 #if QT_CONFIG(wheelevent)
-    void wheelEvent(QWheelEvent* event) override { locked_ ? event->ignore() : QComboBox::wheelEvent(event); }
+    void wheelEvent(QWheelEvent* event) override {
+        locked_ ? event->ignore() : QComboBox::wheelEvent(event);
+    }
 #endif
     void showPopup() override {
         if (!locked_)
@@ -65,10 +70,16 @@ userProperty::userProperty(QWidget* parent)
     connect(chk_, &QCheckBox::clicked, this, &userProperty::ChangeValue);
 }
 
-QString userProperty::Caption() const { return lbl_->text(); }
-void userProperty::setCaption(const QString& caption) { lbl_->setText(caption); }
+QString userProperty::Caption() const {
+    return lbl_->text();
+}
+void userProperty::setCaption(const QString& caption) {
+    lbl_->setText(caption);
+}
 
-Qt::Alignment userProperty::LabelAlignment() const { return lbl_->alignment() & Qt::AlignHorizontal_Mask; }
+Qt::Alignment userProperty::LabelAlignment() const {
+    return lbl_->alignment() & Qt::AlignHorizontal_Mask;
+}
 
 void userProperty::setLabelAlignment(Qt::Alignment alignment) {
     lbl_->setAlignment((alignment & Qt::AlignHorizontal_Mask) | Qt::AlignVCenter);
@@ -85,18 +96,38 @@ void userProperty::setLayoutAuto(bool layoutAuto) {
     layoutChildren();
 }
 
-double userProperty::DblScale() const { return txt_->DblScale(); }
-void userProperty::setDblScale(double scale) { txt_->setDblScale(scale); }
-std::int16_t userProperty::DigitNum() const { return txt_->DigitNum(); }
-void userProperty::setDigitNum(std::int16_t digits) { txt_->setDigitNum(digits); }
-QString userProperty::OptStr() const { return txt_->OptStr(); }
-void userProperty::setOptStr(const QString& unit) { txt_->setOptStr(unit); }
-std::int32_t userProperty::OptStrWidth() const { return txt_->OptStrWidth(); }
-void userProperty::setOptStrWidth(std::int32_t twips) { txt_->setOptStrWidth(twips); }
+double userProperty::DblScale() const {
+    return txt_->DblScale();
+}
+void userProperty::setDblScale(double scale) {
+    txt_->setDblScale(scale);
+}
+std::int16_t userProperty::DigitNum() const {
+    return txt_->DigitNum();
+}
+void userProperty::setDigitNum(std::int16_t digits) {
+    txt_->setDigitNum(digits);
+}
+QString userProperty::OptStr() const {
+    return txt_->OptStr();
+}
+void userProperty::setOptStr(const QString& unit) {
+    txt_->setOptStr(unit);
+}
+std::int32_t userProperty::OptStrWidth() const {
+    return txt_->OptStrWidth();
+}
+void userProperty::setOptStrWidth(std::int32_t twips) {
+    txt_->setOptStrWidth(twips);
+}
 
-bool userProperty::Enabled() const { return txt_->isEnabledTo(this); }
+bool userProperty::Enabled() const {
+    return txt_->isEnabledTo(this);
+}
 
-bool userProperty::Locked() const { return txt_->Locked(); }
+bool userProperty::Locked() const {
+    return txt_->Locked();
+}
 
 void userProperty::setLocked(bool locked) {
     txt_->setLocked(locked);
@@ -129,7 +160,8 @@ Variant userProperty::Value() const {
         if (index < 0)
             return {};
         const std::int32_t itemData = ItemData(static_cast<std::int16_t>(index));
-        if (itemData < std::numeric_limits<std::int16_t>::min() || itemData > std::numeric_limits<std::int16_t>::max())
+        if (itemData < std::numeric_limits<std::int16_t>::min() ||
+            itemData > std::numeric_limits<std::int16_t>::max())
             return {};
         return static_cast<std::int16_t>(itemData);
     }

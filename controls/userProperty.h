@@ -1,14 +1,13 @@
 #pragma once
 
 // The labelled property field: the one-row editor that the configuration pages stack into property lists. A
-// caption on the left and one editor on the right whose kind follows the type of the value: a 16-bit integer is
-// chosen from a drop-down list whose entries carry item data, a 32-bit integer, double or text is edited in a
-// userText, a Boolean with a check box. The host sees one Value and one ChangeValue whatever the editor.
+// caption on the left and one editor on the right whose kind follows the type of the value: a 16-bit integer
+// is chosen from a drop-down list whose entries carry item data, a 32-bit integer, double or text is edited
+// in a userText, a Boolean with a check box. The host sees one Value and one ChangeValue whatever the editor.
 
 #include "driver/Variant.h"
 
 #include <QWidget>
-
 #include <cstdint>
 
 class QCheckBox;
@@ -29,8 +28,8 @@ public:
     // Qt::AlignLeft, Qt::AlignRight or Qt::AlignHCenter.
     Qt::Alignment LabelAlignment() const;
     void setLabelAlignment(Qt::Alignment alignment);
-    // LayoutAuto: caption and editor share the width half and half; otherwise the caption is LabelWidth twips wide
-    // and the editor takes the rest, its right border running 5 twips beyond the row (clipped).
+    // LayoutAuto: caption and editor share the width half and half; otherwise the caption is LabelWidth twips
+    // wide and the editor takes the rest, its right border running 5 twips beyond the row (clipped).
     std::int32_t LabelWidth() const { return labelWidth_; }
     void setLabelWidth(std::int32_t twips);
     bool LayoutAuto() const { return layoutAuto_; }
@@ -52,16 +51,17 @@ public:
     bool Locked() const;
     void setLocked(bool locked);
 
-    // The list: AddItem inserts at a position (an index beyond the end appends); ItemData is the number an entry
-    // stands for. An index outside the list reads as 0 and is ignored when set.
+    // The list: AddItem inserts at a position (an index beyond the end appends); ItemData is the number an
+    // entry stands for. An index outside the list reads as 0 and is ignored when set.
     void AddItem(const QString& text, std::int16_t index);
     std::int32_t ItemData(std::int16_t index) const;
     void setItemData(std::int16_t index, std::int32_t itemData);
 
-    // Assigning a value of another type than the last one switches the editor. A 16-bit value selects the last list
-    // entry whose item data equals it (nothing changes when none does); that selection raises ChangeValue when it
-    // changes the selected entry. Read back: the selected entry's item data as a 16-bit integer (Empty when nothing
-    // is selected or the data does not fit), the text editor's value, or the check box as a Boolean.
+    // Assigning a value of another type than the last one switches the editor. A 16-bit value selects the
+    // last list entry whose item data equals it (nothing changes when none does); that selection raises
+    // ChangeValue when it changes the selected entry. Read back: the selected entry's item data as a 16-bit
+    // integer (Empty when nothing is selected or the data does not fit), the text editor's value, or the
+    // check box as a Boolean.
     Variant Value() const;
     void setValue(const Variant& value);
 

@@ -29,7 +29,9 @@ void userText::setValue(const Variant& value) {
     value_ = value;
 }
 
-QString userText::OptStr() const { return opt_->text(); }
+QString userText::OptStr() const {
+    return opt_->text();
+}
 
 void userText::setOptStr(const QString& unit) {
     opt_->setText(unit);
@@ -41,16 +43,22 @@ void userText::setOptStrWidth(std::int32_t twips) {
     layoutChildren();
 }
 
-bool userText::Enabled() const { return txt_->isEnabledTo(this); }
+bool userText::Enabled() const {
+    return txt_->isEnabledTo(this);
+}
 
-bool userText::Locked() const { return txt_->isReadOnly(); }
+bool userText::Locked() const {
+    return txt_->isReadOnly();
+}
 
 void userText::setLocked(bool locked) {
     txt_->setReadOnly(locked);
     showLockedBackground(txt_, txt_->isReadOnly());
 }
 
-QSize userText::sizeHint() const { return {twipsToPixels(1500), txt_->sizeHint().height()}; }
+QSize userText::sizeHint() const {
+    return {twipsToPixels(1500), txt_->sizeHint().height()};
+}
 
 void userText::resizeEvent(QResizeEvent* event) {
     QWidget::resizeEvent(event);
@@ -58,8 +66,8 @@ void userText::resizeEvent(QResizeEvent* event) {
 }
 
 bool userText::eventFilter(QObject* watched, QEvent* event) {
-    // Leaving the field commits, unless the focus only went to the box's own context menu or to another window:
-    // the field still has the focus within its window then and commits when it really loses it.
+    // Leaving the field commits, unless the focus only went to the box's own context menu or to another
+    // window: the field still has the focus within its window then and commits when it really loses it.
     if (watched == txt_ && event->type() == QEvent::FocusOut) {
         const Qt::FocusReason reason = static_cast<QFocusEvent*>(event)->reason();
         if (reason != Qt::PopupFocusReason && reason != Qt::ActiveWindowFocusReason)
@@ -79,7 +87,8 @@ void userText::commit() {
 }
 
 void userText::layoutChildren() {
-    const UnitStripLayout layout = unitStripLayout(pixelsToTwips(width()), !opt_->text().isEmpty(), optStrWidth_);
+    const UnitStripLayout layout =
+        unitStripLayout(pixelsToTwips(width()), !opt_->text().isEmpty(), optStrWidth_);
     placeAt(txt_, layout.text, height());
     placeAt(opt_, layout.unit, height());
 }

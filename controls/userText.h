@@ -1,13 +1,12 @@
 #pragma once
 
-// The numeric text field: one text box that shows and edits one value, and to its right a caption with the unit.
-// The value's type (16-bit or 32-bit integer, double, text, or null) decides how it is shown and how typed text
-// becomes a value again; doubles are shown through FormatEngNumber, scaled by DblScale.
+// The numeric text field: one text box that shows and edits one value, and to its right a caption with the
+// unit. The value's type (16-bit or 32-bit integer, double, text, or null) decides how it is shown and how
+// typed text becomes a value again; doubles are shown through FormatEngNumber, scaled by DblScale.
 
 #include "driver/Variant.h"
 
 #include <QWidget>
-
 #include <cstdint>
 
 class QLabel;
@@ -20,13 +19,14 @@ class userText : public QWidget {
 public:
     explicit userText(QWidget* parent = nullptr);
 
-    // Setting a value that differs (Variant::equals) from the stored one shows it and stores it; setting an equal
-    // one changes nothing, not even the text. A stored null never counts as equal. Raises no ChangeValue.
+    // Setting a value that differs (Variant::equals) from the stored one shows it and stores it; setting an
+    // equal one changes nothing, not even the text. A stored null never counts as equal. Raises no
+    // ChangeValue.
     Variant Value() const { return value_; }
     void setValue(const Variant& value);
 
-    // Shown = Value / DblScale; a committed number becomes number * DblScale. Stored only: set it, and DigitNum,
-    // before the value, because the shown text is not reformatted.
+    // Shown = Value / DblScale; a committed number becomes number * DblScale. Stored only: set it, and
+    // DigitNum, before the value, because the shown text is not reformatted.
     double DblScale() const { return dblScale_; }
     void setDblScale(double scale) { dblScale_ = scale; }
     std::int16_t DigitNum() const { return digitNum_; }
@@ -46,8 +46,8 @@ public:
     QSize sizeHint() const override;
 
 signals:
-    // Raised after every commit of typed text (Enter, or the text box losing the focus), also when the text was
-    // rejected or the value did not change: handlers re-read Value.
+    // Raised after every commit of typed text (Enter, or the text box losing the focus), also when the text
+    // was rejected or the value did not change: handlers re-read Value.
     void ChangeValue();
 
 protected:

@@ -1,9 +1,9 @@
-#include "controls/FieldLayout.h"
 #include "controls/FieldText.h"
 
-#include <gtest/gtest.h>
+#include "controls/FieldLayout.h"
 
 #include <cstdint>
+#include <gtest/gtest.h>
 #include <limits>
 
 using vss::parseTypedNumber;
@@ -14,8 +14,8 @@ TEST(TypedNumber, AcceptsBlanksSignPointsAndExponents) {
     const struct {
         const char* text;
         double number;
-    } accepted[] = {{"25", 25},        {"  -12.5\t", -12.5}, {"+3", 3},       {".5", 0.5},     {"5.", 5},
-                    {"1e3", 1000},     {"1.5E-3", 0.0015},   {"2e+2", 200},   {"007", 7},      {"-0", 0},
+    } accepted[] = {{"25", 25},     {"  -12.5\t", -12.5}, {"+3", 3},     {".5", 0.5}, {"5.", 5},
+                    {"1e3", 1000},  {"1.5E-3", 0.0015},   {"2e+2", 200}, {"007", 7},  {"-0", 0},
                     {"1,25", 1.25}, {"1e308", 1e308}};
     for (const auto& a : accepted)
         EXPECT_EQ(parseTypedNumber(a.text, ","), a.number) << a.text;
@@ -24,8 +24,9 @@ TEST(TypedNumber, AcceptsBlanksSignPointsAndExponents) {
 }
 
 TEST(TypedNumber, RejectsEverythingElse) {
-    for (const char* text : {"", "  ", "abc", "-", "+", ".", "e3", "1e", "1e+", "1 000", "- 5", "1.2.3", "1,000",
-                             "0x10", "inf", "nan", "12abc", "1e400", "-1e400", "1e-400", "--1", "1..2", "\xff"})
+    for (const char* text :
+         {"",      "  ",   "abc", "-",   "+",     ".",     "e3",     "1e",     "1e+", "1 000", "- 5", "1.2.3",
+          "1,000", "0x10", "inf", "nan", "12abc", "1e400", "-1e400", "1e-400", "--1", "1..2",  "\xff"})
         EXPECT_FALSE(parseTypedNumber(text)) << text;
 }
 
@@ -60,7 +61,8 @@ TEST(TypedValue, LetsOnlyTextFieldsTakeTextAndNullFieldsNothing) {
 }
 
 TEST(TypedValue, ReadsBackWhatItShows) {
-    for (const Variant& v : {Variant(std::int16_t{-32768}), Variant(std::int32_t{2147483647}), Variant("a b")})
+    for (const Variant& v :
+         {Variant(std::int16_t{-32768}), Variant(std::int32_t{2147483647}), Variant("a b")})
         EXPECT_EQ(valueFromTypedText(v, vss::formatValueText(v, 1.0, 4), 1.0), v);
     // A double reads back to the digits shown, in stored units.
     const Variant shown = valueFromTypedText(0.0, vss::formatValueText(0.0123456, 0.001, 4), 0.001);

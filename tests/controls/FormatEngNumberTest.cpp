@@ -1,7 +1,6 @@
 #include "controls/modConvUtil.h"
 
 #include <gtest/gtest.h>
-
 #include <limits>
 #include <stdexcept>
 
@@ -17,7 +16,8 @@ struct Case {
 
 void expectAll(std::initializer_list<Case> cases) {
     for (const Case& c : cases)
-        EXPECT_EQ(FormatEngNumber(c.value, c.digits), c.text) << "value " << c.value << ", digits " << c.digits;
+        EXPECT_EQ(FormatEngNumber(c.value, c.digits), c.text)
+            << "value " << c.value << ", digits " << c.digits;
 }
 
 } // namespace

@@ -1,11 +1,10 @@
 #include "controls/Gallery.h"
+
 #include "controls/userProperty.h"
 #include "controls/userText.h"
 
 #include <QWidget>
-
 #include <gtest/gtest.h>
-
 #include <memory>
 #include <set>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-// A window for one control under test, with a second text box to move the focus to, and a count of ChangeValue.
+// A window for one control under test, a second text box to move the focus to, and a ChangeValue count.
 
 #include "controls/Twips.h"
 #include "driver/Variant.h"
@@ -8,9 +8,7 @@
 #include <QLineEdit>
 #include <QTest>
 #include <QWidget>
-
 #include <gtest/gtest.h>
-
 #include <ostream>
 
 namespace vss {
@@ -38,7 +36,9 @@ protected:
         ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
     }
 
-    template <typename Child> Child* child(const char* name) const { return control->template findChild<Child*>(name); }
+    template <typename Child> Child* child(const char* name) const {
+        return control->template findChild<Child*>(name);
+    }
 
     // Clicks into a text box, replaces its text by typing, and optionally presses Enter.
     static void typeInto(QLineEdit* box, const QString& text) {

@@ -1,6 +1,7 @@
 #include "controls/userProperty.h"
 
 #include "HostWindow.h"
+#include "controls/userText.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -8,10 +9,8 @@
 #include <QStyle>
 #include <QStyleOptionButton>
 
-#include "controls/userText.h"
-
-using vss::Variant;
 using vss::twipsToPixels;
+using vss::Variant;
 
 namespace {
 
@@ -34,7 +33,8 @@ protected:
 
     QString visibleEditor() const {
         QString names;
-        for (QWidget* editor : {static_cast<QWidget*>(txt()), static_cast<QWidget*>(cmb()), static_cast<QWidget*>(chk())})
+        for (QWidget* editor :
+             {static_cast<QWidget*>(txt()), static_cast<QWidget*>(cmb()), static_cast<QWidget*>(chk())})
             names += editor->isVisible() ? editor->objectName() : QString();
         return names;
     }
@@ -48,7 +48,9 @@ protected:
     }
 
     // Left and width in pixels of a span given in twips.
-    static std::pair<int, int> span(int left, int width) { return {twipsToPixels(left), twipsToPixels(width)}; }
+    static std::pair<int, int> span(int left, int width) {
+        return {twipsToPixels(left), twipsToPixels(width)};
+    }
     static std::pair<int, int> span(const QWidget* w) { return {w->x(), w->width()}; }
 };
 

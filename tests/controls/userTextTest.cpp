@@ -108,10 +108,11 @@ TEST_F(UserTextTest, RefreshesTheTextOnlyWhenTheValueChanges) {
 }
 
 TEST_F(UserTextTest, NeverChangesTheTypeOfItsValueWhateverIsTyped) {
-    const Variant kinds[] = {Variant(std::int16_t{1}), Variant(std::int32_t{1}), Variant(1.0), Variant("x"),
-                             Variant(true), Variant::null()};
-    const char* texts[] = {"", " ", "-", "+.", "1e999", "-32769", "2147483648", "0x1F", "1,5", "nan", "12abc",
-                           "3.5", "\xc2\xb5m"};
+    const Variant kinds[] = {
+        Variant(std::int16_t{1}), Variant(std::int32_t{1}), Variant(1.0), Variant("x"), Variant(true),
+        Variant::null()};
+    const char* texts[] = {"",     " ",   "-",   "+.",    "1e999", "-32769",   "2147483648",
+                           "0x1F", "1,5", "nan", "12abc", "3.5",   "\xc2\xb5m"};
     for (const Variant& kind : kinds) {
         vss::userText field(&window);
         field.show();
@@ -145,7 +146,8 @@ TEST_F(UserTextTest, GivesTheUnitAStripAtTheRightOnlyWhenThereIsAUnit) {
 
     control->setOptStr("mm");
     EXPECT_EQ(txt()->width(), vss::twipsToPixels(2400));
-    EXPECT_EQ(opt->geometry(), QRect(vss::twipsToPixels(2400), 0, vss::twipsToPixels(600), control->height()));
+    EXPECT_EQ(opt->geometry(),
+              QRect(vss::twipsToPixels(2400), 0, vss::twipsToPixels(600), control->height()));
 
     control->setGeometry(vss::twipsRect(0, 0, 4500, 300));
     EXPECT_EQ(txt()->width(), vss::twipsToPixels(3900));
