@@ -7,6 +7,10 @@
 
 #include <QApplication>
 
+#if VSS_HAVE_COM
+#include "driver/com/ComClient.h"
+#endif
+
 #include <variant>
 
 int main(int argc, char* argv[]) {
@@ -19,6 +23,10 @@ int main(int argc, char* argv[]) {
         return *exitCode;
     const vss::CommandLine& line = std::get<vss::CommandLine>(parsed);
 
+#if VSS_HAVE_COM
+    // The registered driver, where there is one; the simulator stands in otherwise.
+    vss::com::InstallPlatformResolver();
+#endif
     vss::setUpGlobals();
     vss::globals().driverOptions = line.driver;
     if (!line.screenshotDir.isEmpty())
