@@ -4,7 +4,6 @@
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
-
 #include <cstdio>
 #include <exception>
 
@@ -26,7 +25,8 @@ std::variant<CommandLine, int> parseCommandLine(const QStringList& arguments) {
     const QCommandLineOption help = parser.addHelpOption();
     const QCommandLineOption version = parser.addVersionOption();
     const QCommandLineOption simulate(
-        QStringLiteral("simulate"), QStringLiteral("Use the simulated instrument even where a driver is registered."));
+        QStringLiteral("simulate"),
+        QStringLiteral("Use the simulated instrument even where a driver is registered."));
     const QCommandLineOption simState(QStringLiteral("sim-state"),
                                       QStringLiteral("The simulated instrument's non-volatile memory file."),
                                       QStringLiteral("FILE"));
@@ -47,8 +47,9 @@ std::variant<CommandLine, int> parseCommandLine(const QStringList& arguments) {
         return 2;
     }
     if (!parser.positionalArguments().isEmpty()) {
-        print(stderr, QStringLiteral("Unexpected argument '%1'.\n").arg(parser.positionalArguments().constFirst()) +
-                          usage);
+        print(stderr,
+              QStringLiteral("Unexpected argument '%1'.\n").arg(parser.positionalArguments().constFirst()) +
+                  usage);
         return 2;
     }
     if (parser.isSet(help)) {
@@ -70,7 +71,8 @@ std::variant<CommandLine, int> parseCommandLine(const QStringList& arguments) {
         try {
             line.driver.trace = std::make_shared<TraceFile>(parser.value(trace).toStdString());
         } catch (const std::exception& e) {
-            print(stderr, QStringLiteral("--trace %1: %2\n").arg(parser.value(trace), QString::fromLocal8Bit(e.what())));
+            print(stderr, QStringLiteral("--trace %1: %2\n")
+                              .arg(parser.value(trace), QString::fromLocal8Bit(e.what())));
             return 1;
         }
     }

@@ -6,7 +6,6 @@
 
 #include <QString>
 #include <QStringList>
-
 #include <variant>
 
 namespace vss {
@@ -16,8 +15,8 @@ struct CommandLine {
     QString screenshotDir; // empty: run the program normally
 };
 
-// Parses the arguments (the program's name first). --help and --version print their text and give exit code 0;
-// an unknown option or an unexpected argument prints the error and the usage text and gives exit code 2; a
+// Parses the arguments (the program's name first). --help and --version print their text and give exit code
+// 0; an unknown option or an unexpected argument prints the error and the usage text and gives exit code 2; a
 // trace file that cannot be opened gives exit code 1. Everything is printed to the standard streams.
 std::variant<CommandLine, int> parseCommandLine(const QStringList& arguments);
 

@@ -9,7 +9,6 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QPushButton>
-
 #include <exception>
 
 namespace vss {
@@ -67,13 +66,17 @@ void collectControls(const QWidget* parent, QList<QWidget*>& out) {
 
 } // namespace
 
-QString appTitle() { return QString::fromUtf8(kAppTitle.data(), static_cast<qsizetype>(kAppTitle.size())); }
+QString appTitle() {
+    return QString::fromUtf8(kAppTitle.data(), static_cast<qsizetype>(kAppTitle.size()));
+}
 
 Form::Form(QWidget* parent) : QDialog(parent) {
     setWindowFlags(Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowCloseButtonHint);
 }
 
-Form::~Form() { releaseWaitCursor(); }
+Form::~Form() {
+    releaseWaitCursor();
+}
 
 QList<QWidget*> Form::controls() const {
     QList<QWidget*> out;
@@ -153,14 +156,17 @@ void Form::keyPressEvent(QKeyEvent* event) {
     QDialog::keyPressEvent(event);
 }
 
-void Form::setClientSizeTwips(int width, int height) { setFixedSize(twipsSize(width, height)); }
+void Form::setClientSizeTwips(int width, int height) {
+    setFixedSize(twipsSize(width, height));
+}
 
 void Form::place(QWidget* control, const char* name, int left, int top, int width, int height) {
     control->setObjectName(QString::fromLatin1(name));
     control->setGeometry(twipsRect(left, top, width, height));
 }
 
-QPushButton* Form::addButton(const char* name, const QString& caption, int left, int top, int width, int height) {
+QPushButton* Form::addButton(const char* name, const QString& caption, int left, int top, int width,
+                             int height) {
     auto* button = new QPushButton(caption, this);
     button->setAutoDefault(false);
     place(button, name, left, top, width, height);

@@ -5,7 +5,6 @@
 
 #include <QDialog>
 #include <QList>
-
 #include <functional>
 #include <memory>
 
@@ -33,22 +32,22 @@ public:
     // The window's controls in the order they were created; frames are walked into, other windows are not.
     QList<QWidget*> controls() const;
 
-    // The busy bracket. disableAllControls disables every control in order, shows the wait cursor and lets the
-    // window repaint once before the blocking work that follows; enableAllControls enables every control again
-    // and takes the wait cursor away. A window may extend enableAllControls (the operation panel refreshes its
-    // status after it); it calls this base first.
+    // The busy bracket. disableAllControls disables every control in order, shows the wait cursor and lets
+    // the window repaint once before the blocking work that follows; enableAllControls enables every control
+    // again and takes the wait cursor away. A window may extend enableAllControls (the operation panel
+    // refreshes its status after it); it calls this base first.
     void disableAllControls();
     virtual void enableAllControls();
     bool isBusy() const { return waitCursor_; }
 
     // Runs a handler's steps inside the bracket. The first step that fails stops the rest; its description is
-    // shown in a message box. The controls are enabled again in every case. Returns whether every step ran, so
-    // that the caller can skip its follow-up after a failure.
+    // shown in a message box. The controls are enabled again in every case. Returns whether every step ran,
+    // so that the caller can skip its follow-up after a failure.
     bool runBusy(const std::function<void()>& steps);
 
     // Opens another window: disable, create the target, show it modally, enable. A failure while creating or
-    // showing it is reported like any other. Returns false when the factory is empty (the window is not built)
-    // or the opening failed.
+    // showing it is reported like any other. Returns false when the factory is empty (the window is not
+    // built) or the opening failed.
     bool openModal(const FormFactory& make);
 
     // Shows target modally and returns when it is unloaded, leaving this window's controls alone. The wait
@@ -69,7 +68,8 @@ protected:
     // Building in code; every position and size is in twips.
     void setClientSizeTwips(int width, int height);
     void place(QWidget* control, const char* name, int left, int top, int width, int height);
-    QPushButton* addButton(const char* name, const QString& caption, int left, int top, int width, int height);
+    QPushButton* addButton(const char* name, const QString& caption, int left, int top, int width,
+                           int height);
     QLabel* addLabel(const char* name, const QString& caption, int left, int top, int width, int height);
 
 private:

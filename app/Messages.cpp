@@ -5,7 +5,6 @@
 #include <QApplication>
 #include <QMessageBox>
 #include <QString>
-
 #include <utility>
 
 namespace vss {
@@ -41,7 +40,9 @@ void showMessage(std::string_view text, std::string_view title) {
         showMessageBox(body, resolvedTitle);
 }
 
-MessageHandler setMessageHandler(MessageHandler handler) { return std::exchange(currentHandler(), std::move(handler)); }
+MessageHandler setMessageHandler(MessageHandler handler) {
+    return std::exchange(currentHandler(), std::move(handler));
+}
 
 MessageSink& messageSink() {
     static SeamSink sink;

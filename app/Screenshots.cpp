@@ -20,7 +20,6 @@
 #include <QImage>
 #include <QPainter>
 #include <QPixmap>
-
 #include <cstdio>
 #include <exception>
 #include <functional>
@@ -37,8 +36,7 @@ struct Scene {
     WindowMaker make;
 };
 
-template <class W>
-WindowMaker window() {
+template <class W> WindowMaker window() {
     return [] { return std::make_unique<W>(); };
 }
 
@@ -57,15 +55,14 @@ WindowMaker fromMenu(const FormFactory& make) {
 // The windows to render, in order. A window of a later library comes in through the menus' table; a window
 // that no menu opens gets a line here.
 std::vector<Scene> scenes() {
-    std::vector<Scene> list{
-        {QStringLiteral("frmTop"), window<frmTop>()},
-        {QStringLiteral("frmOpen-level0"), mainMenuAt(0)},
-        {QStringLiteral("frmOpen-level1"), mainMenuAt(1)},
-        {QStringLiteral("frmOpen-level2"), mainMenuAt(2)},
-        {QStringLiteral("frmFac"), window<frmFac>()},
-        {QStringLiteral("frmSerStageMotor"), window<frmSerStageMotor>()},
+    std::vector<Scene> list {
+        {QStringLiteral("frmTop"), window<frmTop>()}, {QStringLiteral("frmOpen-level0"), mainMenuAt(0)},
+            {QStringLiteral("frmOpen-level1"), mainMenuAt(1)},
+            {QStringLiteral("frmOpen-level2"), mainMenuAt(2)}, {QStringLiteral("frmFac"), window<frmFac>()},
+            {QStringLiteral("frmSerStageMotor"), window<frmSerStageMotor>()},
 #if VSS_HAVE_CONTROLS_GALLERY
-        {QStringLiteral("controls"), [] { return std::unique_ptr<QWidget>(createControlsGallery(nullptr)); }},
+            {QStringLiteral("controls"),
+             [] { return std::unique_ptr<QWidget>(createControlsGallery(nullptr)); }},
 #endif
     };
     const MenuWindows& menu = menuWindows();
@@ -83,7 +80,8 @@ QImage framed(QWidget& w) {
     const QPixmap client = w.grab();
     const int titleHeight = 24;
     const int border = 1;
-    QImage image(client.width() + 2 * border, client.height() + titleHeight + 2 * border, QImage::Format_RGB32);
+    QImage image(client.width() + 2 * border, client.height() + titleHeight + 2 * border,
+                 QImage::Format_RGB32);
     image.fill(QColor(0x40, 0x40, 0x40));
     QPainter painter(&image);
     painter.fillRect(border, border, client.width(), titleHeight, QColor(0x2b, 0x4a, 0x7a));
@@ -91,8 +89,8 @@ QImage framed(QWidget& w) {
     QFont font = painter.font();
     font.setBold(true);
     painter.setFont(font);
-    painter.drawText(QRect(border + 8, border, client.width() - 16, titleHeight), Qt::AlignVCenter | Qt::AlignLeft,
-                     w.windowTitle());
+    painter.drawText(QRect(border + 8, border, client.width() - 16, titleHeight),
+                     Qt::AlignVCenter | Qt::AlignLeft, w.windowTitle());
     painter.drawPixmap(border, border + titleHeight, client);
     return image;
 }

@@ -3,8 +3,7 @@
 namespace vss {
 namespace {
 
-template <class I>
-void query(DriverObject& object, std::shared_ptr<I>& handle) {
+template <class I> void query(DriverObject& object, std::shared_ptr<I>& handle) {
     handle = QueryInterface<I>(object);
 }
 

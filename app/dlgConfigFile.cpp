@@ -3,7 +3,6 @@
 #include <QApplication>
 #include <QFileDialog>
 #include <QStringList>
-
 #include <utility>
 
 namespace vss {
@@ -35,9 +34,13 @@ dlgConfigFile& dlgConfigFile::instance() {
     return dialog;
 }
 
-std::string dlgConfigFile::showSave(std::string_view title) { return show(title, true); }
+std::string dlgConfigFile::showSave(std::string_view title) {
+    return show(title, true);
+}
 
-std::string dlgConfigFile::showOpen(std::string_view title) { return show(title, false); }
+std::string dlgConfigFile::showOpen(std::string_view title) {
+    return show(title, false);
+}
 
 std::string dlgConfigFile::show(std::string_view title, bool save) {
     const FileDialogRequest request{std::string(title), filter_, save, fileName_};
@@ -57,8 +60,8 @@ dlgConfigFile::Chooser dlgConfigFile::setChooser(Chooser chooser) {
 }
 
 QString qtFileFilter(std::string_view filter) {
-    const QStringList parts = QString::fromUtf8(filter.data(), static_cast<qsizetype>(filter.size()))
-                                  .split(QLatin1Char('|'));
+    const QStringList parts =
+        QString::fromUtf8(filter.data(), static_cast<qsizetype>(filter.size())).split(QLatin1Char('|'));
     QStringList entries;
     for (qsizetype i = 0; i + 1 < parts.size(); i += 2) {
         const QString& description = parts[i];

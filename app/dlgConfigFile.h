@@ -5,7 +5,6 @@
 // on with that name. Tests and scripted runs answer it through a chooser instead of the system's dialog.
 
 #include <QString>
-
 #include <functional>
 #include <optional>
 #include <string>

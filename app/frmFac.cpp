@@ -10,12 +10,14 @@ frmFac::frmFac(QWidget* parent) : Form(parent) {
     setWindowTitle(appTitle() + QStringLiteral(" (Factory use only)"));
     setClientSizeTwips(3015, 2040);
 
-    QPushButton* cmdSpinstand = addButton("cmdSpinstand", QStringLiteral("Spinstand Settings"), 120, 120, 2775, 375);
+    QPushButton* cmdSpinstand =
+        addButton("cmdSpinstand", QStringLiteral("Spinstand Settings"), 120, 120, 2775, 375);
     QPushButton* cmdPiezo = addButton("cmdPiezo", QStringLiteral("Piezo Settings"), 120, 600, 2775, 375);
     QPushButton* cmdVersion = addButton("cmdVersion", QStringLiteral("Version"), 120, 1080, 2775, 375);
     QPushButton* cmdReturn = addButton("cmdReturn", QStringLiteral("Return"), 1920, 1560, 975, 375);
 
-    connect(cmdSpinstand, &QPushButton::clicked, this, [this] { openModal(menuWindows().spinstandSettings); });
+    connect(cmdSpinstand, &QPushButton::clicked, this,
+            [this] { openModal(menuWindows().spinstandSettings); });
     connect(cmdPiezo, &QPushButton::clicked, this, [this] { openModal(menuWindows().piezoSettings); });
     connect(cmdVersion, &QPushButton::clicked, this, [this] { openModal(menuWindows().version); });
     connect(cmdReturn, &QPushButton::clicked, this, &Form::accept);

@@ -19,7 +19,8 @@ constexpr int kNonClientHeightTwips = 405;
 } // namespace
 
 MenuGesture menuGesture(Qt::MouseButton button, Qt::KeyboardModifiers modifiers) {
-    const Qt::KeyboardModifiers held = modifiers & (Qt::ShiftModifier | Qt::ControlModifier | Qt::AltModifier);
+    const Qt::KeyboardModifiers held =
+        modifiers & (Qt::ShiftModifier | Qt::ControlModifier | Qt::AltModifier);
     if (held != (Qt::ShiftModifier | Qt::ControlModifier))
         return MenuGesture::None;
     if (button == Qt::RightButton)
@@ -71,17 +72,21 @@ frmOpen::frmOpen(QWidget* parent) : Form(parent) {
 
     // Created in tab order.
     QPushButton* cmdClose = addButton("cmdClose", QStringLiteral("Close"), 4320, 120, 975, 375);
-    QPushButton* cmdInitialize = addButton("cmdInitialize", QStringLiteral("Operation Check"), 120, 120, 2775, 375);
+    QPushButton* cmdInitialize =
+        addButton("cmdInitialize", QStringLiteral("Operation Check"), 120, 120, 2775, 375);
     QPushButton* cmdCustomize =
         addButton("cmdCustomize", QStringLiteral("Measurement Position Settings"), 120, 600, 2775, 375);
-    QPushButton* cmdService = addButton("cmdService", QStringLiteral("Service Operations"), 120, 1200, 2775, 375);
-    QPushButton* cmdFactory = addButton("cmdFactory", QStringLiteral("Factory Settings"), 120, 2280, 2775, 375);
+    QPushButton* cmdService =
+        addButton("cmdService", QStringLiteral("Service Operations"), 120, 1200, 2775, 375);
+    QPushButton* cmdFactory =
+        addButton("cmdFactory", QStringLiteral("Factory Settings"), 120, 2280, 2775, 375);
     QPushButton* cmdSerSet = addButton("cmdSerSet", QStringLiteral("Service Settings"), 120, 1680, 2775, 375);
     QPushButton* cmdPiezo = addButton("cmdPiezo", QStringLiteral("Piezo Adjust"), 120, 2760, 2775, 375);
 
     connect(cmdClose, &QPushButton::clicked, this, &Form::accept);
     connect(cmdInitialize, &QPushButton::clicked, this, &frmOpen::cmdInitialize_Click);
-    connect(cmdCustomize, &QPushButton::clicked, this, [this] { openModal(menuWindows().measurementPositions); });
+    connect(cmdCustomize, &QPushButton::clicked, this,
+            [this] { openModal(menuWindows().measurementPositions); });
     connect(cmdService, &QPushButton::clicked, this, [this] { openModal(menuWindows().servicePanel); });
     connect(cmdSerSet, &QPushButton::clicked, this, [this] { openModal(menuWindows().serviceSettings); });
     connect(cmdFactory, &QPushButton::clicked, this,

@@ -9,7 +9,6 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
-
 #include <cstdio>
 #include <cstdlib>
 
@@ -19,8 +18,8 @@ frmTop::frmTop(QWidget* parent) : Form(parent) {
     setWindowTitle(appTitle());
     setClientSizeTwips(4815, 2160);
 
-    QLabel* product = addLabel("lblCompanyProduct(0)", QStringLiteral("Velkor Spinstand Utility"), 240, 240, 4335,
-                               480);
+    QLabel* product =
+        addLabel("lblCompanyProduct(0)", QStringLiteral("Velkor Spinstand Utility"), 240, 240, 4335, 480);
     QFont big = product->font();
     big.setPointSizeF(big.pointSizeF() * 1.5);
     big.setBold(true);
@@ -33,9 +32,8 @@ frmTop::frmTop(QWidget* parent) : Form(parent) {
     QPushButton* cmdExit = addButton("cmdExit", QStringLiteral("Exit"), 2760, 1440, 1335, 435);
 
     // The instrument to open; edit this default to address another instrument.
-    txtRsrcString_ = new QLineEdit(QString::fromUtf8(kDefaultResource.data(),
-                                                     static_cast<qsizetype>(kDefaultResource.size())),
-                                   this);
+    txtRsrcString_ = new QLineEdit(
+        QString::fromUtf8(kDefaultResource.data(), static_cast<qsizetype>(kDefaultResource.size())), this);
     place(txtRsrcString_, "txtRsrcString", 240, 1920, 1335, 285);
     txtRsrcString_->setVisible(false);
 

@@ -7,7 +7,9 @@ Globals& globals() {
     return instance;
 }
 
-DriverHandles& handles() { return globals().handles; }
+DriverHandles& handles() {
+    return globals().handles;
+}
 
 void setUpGlobals() {
     Globals& g = globals();

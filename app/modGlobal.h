@@ -1,8 +1,8 @@
 #pragma once
 
-// Process-wide state of the program: the driver's ProgID, the spindle speed list, the twelve interface handles
-// of the instrument session and how the driver object is made. Every window reads the handles from here; no
-// window keeps its own copy.
+// Process-wide state of the program: the driver's ProgID, the spindle speed list, the twelve interface
+// handles of the instrument session and how the driver object is made. Every window reads the handles from
+// here; no window keeps its own copy.
 
 #include "driver/Factory.h"
 #include "driver/Handles.h"

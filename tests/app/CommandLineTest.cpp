@@ -4,7 +4,6 @@
 #include <QFile>
 #include <QProcess>
 #include <QTemporaryDir>
-
 #include <gtest/gtest.h>
 
 namespace {
@@ -30,13 +29,15 @@ Outcome vsstool(const QStringList& arguments) {
 TEST(CommandLine, UnknownOptionsAndArgumentsGiveTheErrorTheUsageAndExitCode2) {
     const Outcome option = vsstool({QStringLiteral("--simulate"), QStringLiteral("--frobnicate")});
     EXPECT_EQ(option.exitCode, 2);
-    EXPECT_TRUE(option.err.contains(QStringLiteral("Unknown option 'frobnicate'"))) << option.err.toStdString();
+    EXPECT_TRUE(option.err.contains(QStringLiteral("Unknown option 'frobnicate'")))
+        << option.err.toStdString();
     EXPECT_TRUE(option.err.contains(QStringLiteral("Usage:"))) << option.err.toStdString();
     EXPECT_TRUE(option.err.contains(QStringLiteral("--sim-state <FILE>")));
 
     const Outcome missingValue = vsstool({QStringLiteral("--trace")});
     EXPECT_EQ(missingValue.exitCode, 2);
-    EXPECT_TRUE(missingValue.err.contains(QStringLiteral("Missing value after '--trace'"))) << missingValue.err.toStdString();
+    EXPECT_TRUE(missingValue.err.contains(QStringLiteral("Missing value after '--trace'")))
+        << missingValue.err.toStdString();
 
     const Outcome stray = vsstool({QStringLiteral("extra")});
     EXPECT_EQ(stray.exitCode, 2);
@@ -46,7 +47,8 @@ TEST(CommandLine, UnknownOptionsAndArgumentsGiveTheErrorTheUsageAndExitCode2) {
 TEST(CommandLine, HelpAndVersionPrintAndSucceed) {
     const Outcome help = vsstool({QStringLiteral("--help")});
     EXPECT_EQ(help.exitCode, 0);
-    for (const char* option : {"--simulate", "--sim-state <FILE>", "--sim-delays", "--trace <FILE>", "--screenshots <DIR>"})
+    for (const char* option :
+         {"--simulate", "--sim-state <FILE>", "--sim-delays", "--trace <FILE>", "--screenshots <DIR>"})
         EXPECT_TRUE(help.out.contains(QLatin1String(option))) << option;
 
     const Outcome version = vsstool({QStringLiteral("--version")});
@@ -60,7 +62,7 @@ TEST(CommandLine, ScreenshotsRenderEveryShellWindowAndTheTraceRecordsTheSession)
     const QString trace = dir.filePath(QStringLiteral("calls.txt"));
     const QString shots = dir.filePath(QStringLiteral("shots"));
     const Outcome run = vsstool({QStringLiteral("--simulate"), QStringLiteral("--trace"), trace,
-                             QStringLiteral("--screenshots"), shots});
+                                 QStringLiteral("--screenshots"), shots});
     ASSERT_EQ(run.exitCode, 0) << run.err.toStdString();
     for (const char* png : {"frmTop.png", "frmOpen-level0.png", "frmOpen-level1.png", "frmOpen-level2.png",
                             "frmFac.png", "frmSerStageMotor.png"})
@@ -72,9 +74,11 @@ TEST(CommandLine, ScreenshotsRenderEveryShellWindowAndTheTraceRecordsTheSession)
     EXPECT_TRUE(calls.contains(QStringLiteral("IDriver.Open(\"QTB::R2208C\")"))) << calls.toStdString();
     EXPECT_TRUE(calls.contains(QStringLiteral("IDriver.Close()")));
 
-    const Outcome unwritableTrace = vsstool({QStringLiteral("--trace"), dir.filePath(QStringLiteral("no/such/dir/t.txt"))});
+    const Outcome unwritableTrace =
+        vsstool({QStringLiteral("--trace"), dir.filePath(QStringLiteral("no/such/dir/t.txt"))});
     EXPECT_EQ(unwritableTrace.exitCode, 1);
-    EXPECT_TRUE(unwritableTrace.err.contains(QStringLiteral("no/such/dir"))) << unwritableTrace.err.toStdString();
+    EXPECT_TRUE(unwritableTrace.err.contains(QStringLiteral("no/such/dir")))
+        << unwritableTrace.err.toStdString();
 }
 
 } // namespace

@@ -10,7 +10,6 @@
 #include <QGroupBox>
 #include <QLineEdit>
 #include <QPushButton>
-
 #include <gtest/gtest.h>
 
 namespace vss {

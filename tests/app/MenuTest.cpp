@@ -11,10 +11,8 @@
 #include <QAbstractButton>
 #include <QApplication>
 #include <QTest>
-
-#include <gtest/gtest.h>
-
 #include <algorithm>
+#include <gtest/gtest.h>
 
 namespace vss {
 namespace {
@@ -29,9 +27,10 @@ TEST(MenuLevel, GesturesMoveBetweenTheThreeLevels) {
         MenuGesture gesture;
         int next;
     };
-    for (const Case c : {Case{0, MenuGesture::A, 1}, Case{0, MenuGesture::B, 0}, Case{1, MenuGesture::A, 0},
-                         Case{1, MenuGesture::B, 2}, Case{2, MenuGesture::A, 2}, Case{2, MenuGesture::B, 1},
-                         Case{1, MenuGesture::None, 1}, Case{7, MenuGesture::A, 0}, Case{-1, MenuGesture::B, 0}})
+    for (const Case c :
+         {Case{0, MenuGesture::A, 1}, Case{0, MenuGesture::B, 0}, Case{1, MenuGesture::A, 0},
+          Case{1, MenuGesture::B, 2}, Case{2, MenuGesture::A, 2}, Case{2, MenuGesture::B, 1},
+          Case{1, MenuGesture::None, 1}, Case{7, MenuGesture::A, 0}, Case{-1, MenuGesture::B, 0}})
         EXPECT_EQ(nextMenuLevel(c.level, c.gesture), c.next) << "level " << c.level;
 }
 
@@ -64,9 +63,10 @@ TEST(MainMenu, GesturesOnTheBackgroundRevealTheHiddenButtons) {
     WindowHarness harness;
     harness.runSession([](frmOpen& menu) {
         const std::vector<std::string> level0{"cmdClose", "cmdCustomize", "cmdInitialize"};
-        const std::vector<std::string> level1{"cmdClose", "cmdCustomize", "cmdInitialize", "cmdSerSet", "cmdService"};
-        const std::vector<std::string> level2{"cmdClose",  "cmdCustomize", "cmdFactory", "cmdInitialize",
-                                              "cmdPiezo",  "cmdSerSet",    "cmdService"};
+        const std::vector<std::string> level1{"cmdClose", "cmdCustomize", "cmdInitialize", "cmdSerSet",
+                                              "cmdService"};
+        const std::vector<std::string> level2{"cmdClose", "cmdCustomize", "cmdFactory", "cmdInitialize",
+                                              "cmdPiezo", "cmdSerSet",    "cmdService"};
         struct Step {
             Qt::MouseButton button;
             int level;
@@ -81,12 +81,14 @@ TEST(MainMenu, GesturesOnTheBackgroundRevealTheHiddenButtons) {
             EXPECT_EQ(menu.height(), twipsToPixels(menuHeightTwips(s.level) - 405));
             EXPECT_EQ(reachableButtons(menu), s.shown) << "at level " << s.level;
         }
-        QTest::mouseClick(&menu, Qt::RightButton, Qt::ShiftModifier, QPoint(twipsToPixels(4500), twipsToPixels(700)));
+        QTest::mouseClick(&menu, Qt::RightButton, Qt::ShiftModifier,
+                          QPoint(twipsToPixels(4500), twipsToPixels(700)));
         EXPECT_EQ(menu.level(), 0) << "Shift alone is no gesture";
 
         menu.setLevel(2);
     });
-    harness.runSession([](frmOpen& menu) { EXPECT_EQ(menu.level(), 0) << "a new session starts at level 0"; });
+    harness.runSession(
+        [](frmOpen& menu) { EXPECT_EQ(menu.level(), 0) << "a new session starts at level 0"; });
 }
 
 TEST(MainMenu, TabOrderRunsFromCloseDownTheMenu) {
@@ -160,7 +162,9 @@ TEST(MainMenu, ButtonsOfWindowsNotBuiltDoNothing) {
 
 class PanelStandIn : public Form {
 public:
-    explicit PanelStandIn(QWidget* parent) : Form(parent) { addButton("cmdReturn", "Return", 0, 0, 975, 375); }
+    explicit PanelStandIn(QWidget* parent) : Form(parent) {
+        addButton("cmdReturn", "Return", 0, 0, 975, 375);
+    }
 };
 
 TEST(MainMenu, OperationCheckPreparesTheInstrumentBeforeThePanelOpens) {
@@ -204,7 +208,8 @@ TEST(MainMenu, OperationCheckInitializesAnUninitializedInstrumentAndResetsOtherw
             harness.whenActive<PanelStandIn>([](PanelStandIn& panel) { panel.accept(); });
             WindowHarness::click(menu, "cmdInitialize");
             ASSERT_GE(harness.trace().size(), 2U);
-            EXPECT_EQ(harness.trace()[1], state == state::Uninitialized ? "IDriver.Initialize()" : "IDriver.Reset()");
+            EXPECT_EQ(harness.trace()[1],
+                      state == state::Uninitialized ? "IDriver.Initialize()" : "IDriver.Reset()");
         }
     });
 }

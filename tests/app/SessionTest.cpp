@@ -8,9 +8,7 @@
 
 #include <QAbstractButton>
 #include <QApplication>
-
 #include <gtest/gtest.h>
-
 #include <string>
 #include <vector>
 
@@ -79,10 +77,10 @@ TEST(Session, NormalSessionMakesTheSessionCallsInOrderAndAnotherReplacesIt) {
     });
 
     EXPECT_TRUE(menuShown);
-    const std::vector<std::string> session = concat({connectLines(),
-                                                     {R"(IDriver.Open("QTB::R2208C"))", "IDriverService.BeginService()",
-                                                      "IDriver.Close()"},
-                                                     releaseLines()});
+    const std::vector<std::string> session =
+        concat({connectLines(),
+                {R"(IDriver.Open("QTB::R2208C"))", "IDriverService.BeginService()", "IDriver.Close()"},
+                releaseLines()});
     EXPECT_EQ(harness.trace(), session);
     EXPECT_TRUE(harness.messages().empty());
     EXPECT_TRUE(openEnabled(harness));
@@ -183,7 +181,8 @@ TEST(Session, WaitCursorIsShownDuringADriverCallOnlyWhetherItSucceedsOrFails) {
         EXPECT_EQ(watch->waitCursorDuringOpen, std::optional<bool>(true));
         EXPECT_FALSE(WindowHarness::waitCursorShown());
         if (!fails) {
-            EXPECT_EQ(waitCursorInMenu, std::optional<bool>(false)) << "no wait cursor while the menu is in use";
+            EXPECT_EQ(waitCursorInMenu, std::optional<bool>(false))
+                << "no wait cursor while the menu is in use";
         }
     }
 }

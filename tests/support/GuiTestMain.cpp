@@ -1,7 +1,6 @@
 // The main of the window tests: one application object for all of a program's tests.
 
 #include <QApplication>
-
 #include <gtest/gtest.h>
 
 int main(int argc, char* argv[]) {

@@ -8,7 +8,6 @@
 
 #include <QAbstractButton>
 #include <QTest>
-
 #include <gtest/gtest.h>
 
 namespace vss::testing {
@@ -48,7 +47,8 @@ WindowHarness::WindowHarness(sim::SimOptions options)
 
 WindowHarness::~WindowHarness() {
     if (!steps_.empty()) {
-        ADD_FAILURE() << steps_.size() << " step(s) never ran; the first waited for " << steps_.front().windowType;
+        ADD_FAILURE() << steps_.size() << " step(s) never ran; the first waited for "
+                      << steps_.front().windowType;
         steps_.clear();
     }
     stepTimer_.stop();
@@ -63,9 +63,13 @@ WindowHarness::~WindowHarness() {
     dlgConfigFile::instance().reset();
 }
 
-std::vector<std::string> WindowHarness::trace() const { return sim_->trace().lines(); }
+std::vector<std::string> WindowHarness::trace() const {
+    return sim_->trace().lines();
+}
 
-void WindowHarness::clearTrace() { sim_->trace().clear(); }
+void WindowHarness::clearTrace() {
+    sim_->trace().clear();
+}
 
 frmTop& WindowHarness::top() {
     if (!top_) {

@@ -1,9 +1,9 @@
 #pragma once
 
 // Runs the program's windows in a test, on an in-memory simulated instrument: real mouse and key events,
-// message boxes and file dialogs answered from a script (and what they said kept for reading), steps that drive
-// whichever modal window is active (a modal window runs its own event loop, so a step is queued before the click
-// that opens the window), the simulator's trace, inputs and injected failures.
+// message boxes and file dialogs answered from a script (and what they said kept for reading), steps that
+// drive whichever modal window is active (a modal window runs its own event loop, so a step is queued before
+// the click that opens the window), the simulator's trace, inputs and injected failures.
 
 #include "app/Form.h"
 #include "app/Navigation.h"
@@ -13,7 +13,6 @@
 #include <QApplication>
 #include <QString>
 #include <QTimer>
-
 #include <deque>
 #include <functional>
 #include <memory>
@@ -56,7 +55,9 @@ public:
 
     // File dialogs: each request is kept; each is answered by the next scripted answer (nullopt: cancelled).
     // A request without an answer left is a test failure and is cancelled.
-    void answerFileDialog(std::optional<std::string> fileName) { fileAnswers_.push_back(std::move(fileName)); }
+    void answerFileDialog(std::optional<std::string> fileName) {
+        fileAnswers_.push_back(std::move(fileName));
+    }
     const std::vector<FileDialogRequest>& fileDialogs() const { return fileDialogs_; }
 
     // The top window, shown as at start-up.
@@ -65,10 +66,10 @@ public:
     // Queues a step that runs once a window of type W is the active modal window and not busy. Steps run in
     // the order queued; a step may click a button that opens another modal window, and the next step then
     // drives that one.
-    template <class W>
-    void whenActive(std::function<void(W&)> step) {
-        queue(typeid(W).name(), [](QWidget* w) { return dynamic_cast<W*>(w) != nullptr; },
-              [step = std::move(step)](QWidget* w) { step(*dynamic_cast<W*>(w)); });
+    template <class W> void whenActive(std::function<void(W&)> step) {
+        queue(
+            typeid(W).name(), [](QWidget* w) { return dynamic_cast<W*>(w) != nullptr; },
+            [step = std::move(step)](QWidget* w) { step(*dynamic_cast<W*>(w)); });
     }
     bool stepsPending() const { return !steps_.empty(); }
 
@@ -81,11 +82,11 @@ public:
     static void pressKey(QWidget& window, const char* controlName, Qt::Key key,
                          Qt::KeyboardModifiers modifiers = Qt::NoModifier);
 
-    template <class T = QWidget>
-    static T& control(QWidget& window, const char* name) {
+    template <class T = QWidget> static T& control(QWidget& window, const char* name) {
         T* found = window.findChild<T*>(QString::fromLatin1(name));
         if (!found)
-            throw std::logic_error(std::string("no control ") + name + " on " + window.metaObject()->className());
+            throw std::logic_error(std::string("no control ") + name + " on " +
+                                   window.metaObject()->className());
         return *found;
     }
 
@@ -101,7 +102,8 @@ private:
         std::function<void(QWidget*)> run;
         int waitedMs = 0;
     };
-    void queue(std::string windowType, std::function<bool(QWidget*)> matches, std::function<void(QWidget*)> run);
+    void queue(std::string windowType, std::function<bool(QWidget*)> matches,
+               std::function<void(QWidget*)> run);
     void poll();
     void abandonSteps();
 
