@@ -3,18 +3,29 @@
 // The trace of driver calls: one line per call, in one format that tests, the user's trace file and later checks
 // read:
 //   Interface.Operation(arguments) -> results
-//   Interface.Operation(arguments) !! description        (the call failed)
-// Texts in double quotes (with \" and \\ escaped), Booleans true/false, doubles in the shortest form that reads
-// back to the same double (0.0125, 9.91e+37), arrays in square brackets, a PositionRecord as {radius, skew}, out
-// values in order after the arrow; an operation without results has no arrow. Variants are written by their
-// content with the type in front: (Integer)3, (Long)3, (Double)2.5, (Boolean)true, (String)"x", Empty, Null.
+//   Interface.Operation(arguments) !! description        (the call failed; line breaks become blanks)
+// Texts in double quotes (with \" and \\ escaped, line breaks and tabs as \n, \r, \t), Booleans true/false,
+// doubles in the shortest form that reads back to the same double (0.0125, 9.91e+37), arrays in square brackets,
+// a PositionRecord as {radius, skew}, out values in order after the arrow; an operation without results has no
+// arrow. A result that the driver returns through several out values is written as those values, in order:
+//   IDriver.GetPosition() -> 1234, 0.0125, -3.21
+//   IDriverService.GetMeasurementPosition(0) -> 0.012, -15.2
+//   IDriverLoadPosition.GetLoadPosition(1) -> {0.03, -3.03}, 7200
+// MoveTo's radius, passed by reference, is the argument and, after the arrow, the radius reached:
+//   IDriverStage.MoveTo(0.02) -> 0.02
+// Variants are written by their content with the type in front: (Integer)3, (Long)3, (Double)2.5,
+// (Boolean)true, (String)"x", Empty, Null.
 // The driver object's own events use the interface name "CoDriver":
+//   CoDriver.Create("Vlkd2208.CoDriver") -> simulator          (written by CreateDriverObject)
 //   CoDriver.QueryInterface(IDriverStage) -> {463FDC52-FCE8-4245-AC5F-6A6B967527C0}
-//   IDriverStage.Release()                       (a handle to the interface was dropped)
+//   CoDriver.QueryInterface({00000000-0000-0000-0000-000000000001}) !! description   (unknown identifier)
+//   IDriverStage.Release()                       (the last handle to a queried interface was dropped)
+// Every query returns a handle of its own, so each query has its Release line.
 
 #include "driver/Interfaces.h"
 
 #include <fstream>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -53,6 +64,13 @@ private:
 
 // Wraps a driver object so that every call through any of its interfaces is written to the sink, then passed on.
 std::shared_ptr<DriverObject> WithTrace(std::shared_ptr<DriverObject> inner, std::shared_ptr<TraceSink> sink);
+
+// The same, with a gate that sees every call first as "Interface.Operation" (the object's own query as
+// "CoDriver.QueryInterface"); a DriverError it throws fails the call and is traced like any other failure. The
+// simulated instrument uses it for its session check and for fault injection.
+using CallGate = std::function<void(std::string_view operation)>;
+std::shared_ptr<DriverObject> WithTrace(std::shared_ptr<DriverObject> inner, std::shared_ptr<TraceSink> sink,
+                                        CallGate gate);
 
 // Formatting of trace values, shared by the tracer and by tools that print driver values.
 namespace traceformat {

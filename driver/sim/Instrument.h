@@ -1,0 +1,143 @@
+#pragma once
+
+// The simulated instrument's state and the rules of its hardware: the session, the spindle and clamp, the head
+// loader, the rotary stage with its stoppers and lockdown, the inputs, and the two copies of the configuration.
+// The driver interfaces of the simulator are thin: they check their arguments and call these rules.
+
+#include "driver/Trace.h"
+#include "driver/Types.h"
+#include "driver/sim/MemoryFile.h"
+#include "driver/sim/Settings.h"
+#include "driver/sim/SimInstrument.h"
+
+#include <array>
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <string>
+#include <string_view>
+
+namespace vss::sim {
+
+inline constexpr std::string_view kResource = "QTB::R2208C";
+
+// The settings of a measurement run that the instrument holds outside its configuration groups.
+struct MeasurementSettings {
+    std::int32_t spindleSpeed = 7200;
+    std::int32_t homeState = homestate::Stop;
+    std::int16_t loadMethod = 0;
+    DataArea dataArea{0.012, 50000, 5.6e-7}; // 12 to 40 mm
+    std::array<LoadPosition, 2> positions{LoadPosition{{0.03, kNoSkew}, 7200}, LoadPosition{{0.045, kNoSkew}, 7200}};
+    bool diskSizeRestriction = true;
+};
+
+// The hardware as it stands.
+struct Hardware {
+    bool open = false;
+    bool initialized = false;
+    bool clamp = false;
+    bool motor = false;
+    bool freeRunning = false; // the motor runs without speed lock (spindle state UNLOCK)
+    bool headsDown = false;
+    double stageAngle = kHomeAngle;
+    bool stopperUp = false;
+    bool lockdown = false;
+    std::int32_t stageMotor = 0; // 0 off, 1 standby
+    bool piezoLoop = false;
+};
+
+class Instrument {
+public:
+    explicit Instrument(const SimOptions& options);
+
+    // The gate every call passes first: injected faults, then the session and the head loader's presence.
+    void gate(std::string_view operation);
+
+    // Controls.
+    void setInput(Input input, bool value);
+    bool input(Input input) const { return inputs_[static_cast<std::size_t>(input)]; }
+    void failOperation(std::string_view operation, std::string description, int times);
+    void clearFailures() { failures_.clear(); }
+    void setDelays(bool on) { delays_ = on; }
+    void setHeadLoaderPresent(bool present) { headLoaderPresent_ = present; }
+    bool headLoaderPresent() const { return headLoaderPresent_; }
+    const std::shared_ptr<TraceBuffer>& trace() const { return trace_; }
+
+    // Session.
+    void open(const std::string& resource);
+    void close();
+    void initialize();
+    void reset();
+    void resetService();
+    std::int32_t stateCode() const;
+
+    // Spindle and clamp.
+    void setClamp(bool on);
+    void setMotor(bool on);
+    void setSpindleState(std::int32_t code);
+    std::int32_t spindleState() const;
+    void setSpindleSpeed(std::int32_t rpm);
+    void setHomeState(std::int32_t code);
+
+    // Heads and stage.
+    void load();
+    void unload();
+    void setHeadsDown(bool down);
+    void moveTo(double& radius);
+    void moveToPosition(std::int16_t position);
+    void jog(bool toInner, std::int32_t pulses);
+    void setStopper(bool up);
+    void setLockdown(bool on);
+    void setStageMotor(std::int32_t code);
+    void setLoadPosition(std::int16_t which, const PositionRecord& position, std::int32_t rpm);
+    LoadPosition loadPosition(std::int16_t which) const;
+    void setDiskSizeRestriction(bool on);
+
+    // Where the head is, as the instrument reports it.
+    double radius() const;
+    HeadPosition position() const;
+    PositionRecord measurementPosition(std::int16_t index) const;
+    StagePositionFlags positionFlags() const;
+    std::int16_t region() const;
+    double piezoResolution() const;
+    bool piezoBalanced() const;
+
+    // Configuration: Save copies a group to non-volatile memory (and the memory file), Recall back.
+    void save(Group g);
+    void recall(Group g);
+    void setSpeedRange(std::int32_t min, std::int32_t max);
+
+    Settings working;
+    MeasurementSettings measurement;
+    Hardware hw;
+
+private:
+    void requireInitialized(std::string_view action) const;
+    void requireSafe(std::string_view action) const;
+    void requireSpindleRunning(std::string_view action) const;
+    void requireHeadsSafeAt(double angle, std::string_view action) const;
+    void applyHomeState();
+    void parkHeads();
+    void driveStage(double angle);
+    bool atHome() const;
+    bool spinning() const { return hw.motor && !hw.freeRunning; }
+    void pause(int milliseconds) const;
+    void loadMemory();
+    double stopperRadius(std::size_t index) const;
+
+    struct Failure {
+        std::string description;
+        int remaining; // < 0: until cleared
+    };
+
+    MemoryFile file_;
+    Settings nonVolatile_;
+    std::string memoryDamage_; // the description of a damaged memory file, empty when it is sound
+    std::array<bool, 8> inputs_{};
+    std::map<std::string, Failure, std::less<>> failures_;
+    bool delays_ = false;
+    bool headLoaderPresent_ = true;
+    std::shared_ptr<TraceBuffer> trace_ = std::make_shared<TraceBuffer>();
+};
+
+} // namespace vss::sim

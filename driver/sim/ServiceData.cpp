@@ -1,0 +1,101 @@
+#include "driver/sim/Catalogue.h"
+#include "driver/sim/SimService.h"
+
+namespace vss::sim {
+
+// ---------------------------------------------------------------------------------------------------------------
+// Piezo
+
+void SimService::SetPiezoSerial(const std::string& serial) {
+    checkIdentityText("The piezo serial number", serial);
+    m().working.piezo.serial = serial;
+}
+std::string SimService::GetPiezoSerial() { return m().working.piezo.serial; }
+void SimService::SetPiezoLoop(bool closed) { m().hw.piezoLoop = closed; }
+bool SimService::GetPiezoLoop() { return m().hw.piezoLoop; }
+std::vector<std::string> SimService::GetPiezoAdjustList() { return piezoAdjustNames(); }
+void SimService::SetPiezoAdjust(std::int16_t index, std::int32_t dac) {
+    checkAdjustIndex(index);
+    checkAdjust(dac);
+    m().working.piezo.adjust[static_cast<std::size_t>(index)] = dac;
+}
+std::int32_t SimService::GetPiezoAdjust(std::int16_t index) {
+    checkAdjustIndex(index);
+    return m().working.piezo.adjust[static_cast<std::size_t>(index)];
+}
+std::vector<std::string> SimService::GetPiezoCalCoefNames() { return piezoCalCoefNames(); }
+void SimService::SetPiezoCalCoef(const PiezoCalCoef& coef) {
+    checkCalCoef(coef);
+    m().working.piezo.calCoef = coef;
+}
+PiezoCalCoef SimService::GetPiezoCalCoef() { return m().working.piezo.calCoef; }
+PiezoCalData SimService::GetPiezoCalData() { return m().working.piezo.calData; }
+void SimService::SetPiezoControlData(const PiezoControlData& data) {
+    checkControlData(data);
+    m().working.piezo.control = data;
+}
+PiezoControlData SimService::GetPiezoControlData() { return m().working.piezo.control; }
+bool SimService::GetPiezoBalanced() { return m().piezoBalanced(); }
+
+// ---------------------------------------------------------------------------------------------------------------
+// Properties, backlash compensation, spindle driver items
+
+namespace {
+Variant& valueAt(std::vector<Variant>& values, std::int16_t id) { return values[static_cast<std::size_t>(id)]; }
+} // namespace
+
+PropertyList SimService::GetStagePropertyList() { return stageProperties().list(); }
+NamedCodes SimService::GetStagePropertyChoices(std::int16_t id) { return stageProperties().choices(id); }
+void SimService::SetStageProperty(std::int16_t index, const Variant& value) {
+    valueAt(m().working.stage.values, index) = stageProperties().checked(index, value);
+}
+Variant SimService::GetStageProperty(std::int16_t id) {
+    stageProperties().at(id);
+    return valueAt(m().working.stage.values, id);
+}
+
+std::vector<std::string> SimService::GetBacklashCompensationList() { return backlashNames(); }
+std::int32_t SimService::GetBacklashCompensation(std::int16_t index) {
+    checkBacklashIndex(index);
+    return m().working.backlash.values[static_cast<std::size_t>(index)];
+}
+void SimService::SetBacklashCompensation(std::int16_t index, std::int32_t value) {
+    checkBacklashIndex(index);
+    checkBacklash(value);
+    m().working.backlash.values[static_cast<std::size_t>(index)] = value;
+}
+std::string SimService::GetBacklashDate() { return m().working.backlash.date; }
+
+PropertyList SimService::GetSpindlePropertyList() { return spindleProperties().list(); }
+NamedCodes SimService::GetSpindlePropertyChoices(std::int16_t id) { return spindleProperties().choices(id); }
+void SimService::SetSpindleProperty(std::int16_t index, const Variant& value) {
+    valueAt(m().working.spindle.values, index) = spindleProperties().checked(index, value);
+}
+Variant SimService::GetSpindleProperty(std::int16_t id) {
+    spindleProperties().at(id);
+    return valueAt(m().working.spindle.values, id);
+}
+
+PropertyList SimService::GetSpindleDriverItems() { return spindleDriverItems().list(); }
+NamedCodes SimService::GetSpindleDriverChoices(std::int16_t id) { return spindleDriverItems().choices(id); }
+Variant SimService::GetSpindleDriver(std::int16_t index) { return spindleDriverItems().at(index).factory; }
+
+// ---------------------------------------------------------------------------------------------------------------
+// Configuration groups
+
+void SimService::SaveVersionData() { m().save(Group::VersionData); }
+void SimService::RecallVersionData() { m().recall(Group::VersionData); }
+void SimService::SaveSpinstandConfiguration() { m().save(Group::SpinstandConfiguration); }
+void SimService::RecallSpinstandConfiguration() { m().recall(Group::SpinstandConfiguration); }
+void SimService::SaveCustomerConfiguration() { m().save(Group::CustomerConfiguration); }
+void SimService::RecallCustomerConfiguration() { m().recall(Group::CustomerConfiguration); }
+void SimService::SaveStageProperty() { m().save(Group::StageProperty); }
+void SimService::RecallStageProperty() { m().recall(Group::StageProperty); }
+void SimService::SaveSpindleProperty() { m().save(Group::SpindleProperty); }
+void SimService::RecallSpindleProperty() { m().recall(Group::SpindleProperty); }
+void SimService::SavePiezoData() { m().save(Group::PiezoData); }
+void SimService::RecallPiezoData() { m().recall(Group::PiezoData); }
+void SimService::SaveBacklashCompensation() { m().save(Group::BacklashCompensation); }
+void SimService::RecallBacklashCompensation() { m().recall(Group::BacklashCompensation); }
+
+} // namespace vss::sim

@@ -1,0 +1,124 @@
+#pragma once
+
+// The instrument's configuration groups. The instrument keeps each group twice: the working copy that the
+// driver's operations read and write, and the non-volatile copy that Save writes and Recall reads. The checks
+// of every value live here too, so that a value typed by the user and a value read from the memory file pass
+// the same test.
+
+#include "driver/Types.h"
+#include "driver/Variant.h"
+#include "driver/sim/StageGeometry.h"
+
+#include <array>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace vss::sim {
+
+enum class Group {
+    VersionData,
+    SpinstandConfiguration,
+    CustomerConfiguration,
+    StageProperty,
+    SpindleProperty,
+    PiezoData,
+    BacklashCompensation,
+};
+inline constexpr std::array<Group, 7> kGroups{
+    Group::VersionData,   Group::SpinstandConfiguration, Group::CustomerConfiguration, Group::StageProperty,
+    Group::SpindleProperty, Group::PiezoData,            Group::BacklashCompensation,
+};
+std::string_view groupName(Group g); // "VersionData" ...: the section name in the memory file
+
+struct VersionData {
+    std::string hardwareRevision;
+    std::string serialNumber;
+    friend bool operator==(const VersionData&, const VersionData&) = default;
+};
+
+struct SpinstandConfiguration {
+    bool settingUnknown = false;
+    std::int16_t spinstandType = 0;
+    std::int32_t headFace = 1; // 1 down face, 0 up face
+    DoubleRange diskSize;      // disk radius, m
+    friend bool operator==(const SpinstandConfiguration&, const SpinstandConfiguration&) = default;
+};
+
+struct CustomerConfiguration {
+    std::array<double, 2> stopper{}; // stage angle of the inner and the outer stopper, degrees
+    StageGeometry geometry;
+    friend bool operator==(const CustomerConfiguration& a, const CustomerConfiguration& b) {
+        return a.stopper == b.stopper && a.geometry.stage2Spindle == b.geometry.stage2Spindle &&
+               a.geometry.stage2Ref == b.geometry.stage2Ref && a.geometry.stageOffset == b.geometry.stageOffset;
+    }
+};
+
+struct PropertyValues {
+    std::vector<Variant> values;
+    friend bool operator==(const PropertyValues&, const PropertyValues&) = default;
+};
+
+struct SpindlePropertyGroup {
+    std::vector<Variant> values;
+    SpeedRange speedRange;
+    friend bool operator==(const SpindlePropertyGroup&, const SpindlePropertyGroup&) = default;
+};
+
+struct PiezoData {
+    std::string serial;
+    PiezoCalCoef calCoef;
+    PiezoCalData calData;
+    std::vector<std::int32_t> adjust;
+    PiezoControlData control;
+    friend bool operator==(const PiezoData&, const PiezoData&) = default;
+};
+
+struct BacklashData {
+    std::vector<std::int32_t> values;
+    std::string date; // of the last save
+    friend bool operator==(const BacklashData&, const BacklashData&) = default;
+};
+
+struct Settings {
+    VersionData version;
+    SpinstandConfiguration spinstand;
+    CustomerConfiguration customer;
+    PropertyValues stage;
+    SpindlePropertyGroup spindle;
+    PiezoData piezo;
+    BacklashData backlash;
+
+    static Settings factory();
+    friend bool operator==(const Settings&, const Settings&) = default;
+};
+
+void copyGroup(Group g, const Settings& from, Settings& to);
+bool sameGroup(Group g, const Settings& a, const Settings& b);
+
+// Checks; each throws DriverError saying what was wrong and what is allowed.
+void checkIdentityText(std::string_view what, std::string_view text);
+void checkDiskSizeRange(double min, double max);
+void checkSpeedRange(std::int32_t min, std::int32_t max);
+void checkStopperIndex(std::int16_t index);
+void checkStopperAngle(double angle);
+void checkGeometry(std::int16_t index, double value);
+void checkHeadFace(std::int32_t face);
+void checkAdjustIndex(std::int16_t index);
+void checkAdjust(std::int32_t dac);
+void checkBacklashIndex(std::int16_t index);
+void checkBacklash(std::int32_t pulses);
+void checkCalCoef(const PiezoCalCoef& coef);
+void checkCalData(const PiezoCalData& data);
+void checkControlData(const PiezoControlData& data);
+
+// The memory file's text of the non-volatile settings, and back. Reading throws SettingsError.
+std::string writeSettings(const Settings& settings);
+struct SettingsError {
+    int line;
+    std::string message;
+};
+Settings readSettings(std::string_view text); // starts from the factory settings; keys not given keep them
+
+} // namespace vss::sim
