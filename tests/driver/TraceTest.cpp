@@ -1,0 +1,148 @@
+// The trace format that tests, the user's trace file and later checks read, the driver object's own events
+// (query, release, creation), fault injection and creation by ProgID.
+
+#include "SimFixture.h"
+
+#include "driver/Factory.h"
+
+namespace vss::test {
+namespace {
+
+TEST(TraceFormat, WritesValuesSoThatTheyReadBackTheSame) {
+    EXPECT_EQ(traceformat::number(0.0125), "0.0125");
+    EXPECT_EQ(traceformat::number(9.91e37), "9.91e+37");
+    EXPECT_EQ(traceformat::number(0.1 + 0.2), "0.30000000000000004");
+    EXPECT_EQ(traceformat::number(7200), "7200");
+    EXPECT_EQ(traceformat::number(-5.6e-7), "-5.6e-07");
+    EXPECT_EQ(traceformat::text("a \"b\" \\c\nd"), R"("a \"b\" \\c\nd")");
+    EXPECT_EQ(traceformat::value(Variant(std::int16_t{3})), "(Integer)3");
+    EXPECT_EQ(traceformat::value(Variant(std::int32_t{-3})), "(Long)-3");
+    EXPECT_EQ(traceformat::value(Variant(2.5)), "(Double)2.5");
+    EXPECT_EQ(traceformat::value(Variant(true)), "(Boolean)true");
+    EXPECT_EQ(traceformat::value(Variant("x")), "(String)\"x\"");
+    EXPECT_EQ(traceformat::value(Variant()), "Empty");
+    EXPECT_EQ(traceformat::value(Variant::null()), "Null");
+}
+
+class TraceLines : public SimTest {};
+
+TEST_F(TraceLines, WriteArgumentsAndResultsOfEveryShape) {
+    open();
+    sim.trace().clear();
+    h.loadPosition->SetLoadPosition(loadposition::Load, {0.0125, kNoSkew}, -1);
+    h.loadPosition->GetLoadPosition(loadposition::Load);
+    h.service->GetMeasurementPosition(0);
+    h.service->GetSpinstandTypeList();
+    h.service->SetStageProperty(0, std::int16_t{1});
+    h.service->GetSpindleDriverItems();
+    h.service->SetSerialNumber("say \"hi\"");
+    h.service->GetPiezoCalCoef();
+    h.driver->GetDataArea();
+    h.service->GetStopperSensors();
+    EXPECT_EQ(sim.trace().lines(), (std::vector<std::string>{
+                                       "IDriverLoadPosition.SetLoadPosition(1, {0.0125, 9.91e+37}, -1)",
+                                       "IDriverLoadPosition.GetLoadPosition(1) -> {0.0125, -14.19}, 7200",
+                                       "IDriverService.GetMeasurementPosition(0) -> 0.012, -15.2",
+                                       "IDriverService.GetSpinstandTypeList() -> [\"Standard\", \"High Speed\", "
+                                       "\"Compact\"], [0, 1, 2]",
+                                       "IDriverService.SetStageProperty(0, (Integer)1)",
+                                       "IDriverService.GetSpindleDriverItems() -> [0, 1], [\"Rotation\", \"Type\"], "
+                                       "[\"\", \"\"]",
+                                       "IDriverService.SetSerialNumber(\"say \\\"hi\\\"\")",
+                                       "IDriverService.GetPiezoCalCoef() -> 0, 100, 0, 4e-06, [0, 4.1e-08, -1e-11, "
+                                       "0, 0]",
+                                       "IDriver.GetDataArea() -> 0.012, 50000, 5.6e-07",
+                                       "IDriverService.GetStopperSensors() -> false, true",
+                                   }));
+}
+
+TEST_F(TraceLines, WriteFailuresWithTheDriversDescription) {
+    open();
+    EXPECT_THROW(h.driver->SetSpindleSpeed(99999), DriverError);
+    EXPECT_EQ(lastLine(), "IDriver.SetSpindleSpeed(99999) !! The spindle speed 99999 rpm is outside the range 4000 to "
+                          "15000 rpm.");
+}
+
+TEST_F(TraceLines, RecordQueriesAndTheReleaseOfEachHandle) {
+    sim.trace().clear();
+    auto stage = QueryInterface<IDriverStage>(*object);
+    auto copy = stage;
+    EXPECT_EQ(lastLine(), "CoDriver.QueryInterface(IDriverStage) -> {463FDC52-FCE8-4245-AC5F-6A6B967527C0}");
+    stage.reset();
+    EXPECT_EQ(sim.trace().lines().size(), 1u); // a copy still holds the handle
+    copy.reset();
+    EXPECT_EQ(lastLine(), "IDriverStage.Release()");
+
+    const Guid unknown = Guid::parse("{00000000-0000-0000-0000-000000000001}");
+    const std::string refused = failure([&] { object->QueryInterface(unknown); });
+    EXPECT_NE(refused.find("{00000000-0000-0000-0000-000000000001}"), std::string::npos) << refused;
+    EXPECT_EQ(lastLine(), "CoDriver.QueryInterface({00000000-0000-0000-0000-000000000001}) !! " + refused);
+}
+
+TEST_F(TraceLines, AnswersEveryIdentifierWithItsOwnInterface) {
+    EXPECT_NE(std::dynamic_pointer_cast<IDriverService>(object->QueryInterface(IDriverService::kIid)), nullptr);
+    EXPECT_EQ(std::dynamic_pointer_cast<IDriver>(object->QueryInterface(IDriverService::kIid)), nullptr);
+    EXPECT_NE(std::dynamic_pointer_cast<IDriverDiskSize>(object->QueryInterface(IDriverDiskSize::kIid)), nullptr);
+}
+
+TEST_F(TraceLines, InjectedFaultsFailOnceNTimesOrUntilCleared) {
+    open();
+    sim.failOperation("IDriver.GetState", "once");
+    EXPECT_EQ(failure([&] { h.driver->GetState(); }), "once");
+    EXPECT_EQ(failure([&] { h.driver->GetState(); }), "");
+
+    sim.failOperation("IDriverInterlock.GetInterlock", "twice", 2);
+    EXPECT_EQ(failure([&] { h.interlock->GetInterlock(); }), "twice");
+    EXPECT_EQ(failure([&] { h.interlock->GetInterlock(); }), "twice");
+    EXPECT_EQ(failure([&] { h.interlock->GetInterlock(); }), "");
+
+    sim.failOperation("CoDriver.QueryInterface", "always", -1);
+    for (int i = 0; i < 3; ++i)
+        EXPECT_EQ(failure([&] { QueryInterface<IDriver>(*object); }), "always");
+    sim.clearFailures();
+    EXPECT_NO_THROW(QueryInterface<IDriver>(*object));
+
+    EXPECT_THROW(sim.failOperation("IDriver.Lode", "typo"), std::invalid_argument);
+}
+
+TEST(CreateDriverObject, ResolvesTheProgIdToTheSimulatorAndTracesTheCreation) {
+    auto instrument = std::make_shared<sim::SimInstrument>(sim::SimOptions{":memory:", false, true});
+    auto sink = std::make_shared<TraceBuffer>();
+    DriverOptions options;
+    options.simulator = instrument;
+    options.trace = sink;
+
+    auto object = CreateDriverObject(kDriverProgId, options);
+    QueryInterface<IDriver>(*object)->Open(std::string(kDefaultResource));
+    EXPECT_EQ(sink->lines(), (std::vector<std::string>{
+                                 "CoDriver.Create(\"Vlkd2208.CoDriver\") -> simulator",
+                                 "CoDriver.QueryInterface(IDriver) -> {AC6BD6DC-D3FE-46F8-A82E-ADA730955D46}",
+                                 "IDriver.Open(\"QTB::R2208C\")",
+                                 "IDriver.Release()",
+                             }));
+    EXPECT_EQ(instrument->trace().lines().size(), 3u); // the instrument's own trace saw the same calls
+
+    const std::string refused = failure([&] { CreateDriverObject("Nobody.Driver", options); });
+    EXPECT_EQ(refused, "Cannot create the driver object \"Nobody.Driver\": no driver is registered under this name.");
+    EXPECT_EQ(sink->lines().back(), "CoDriver.Create(\"Nobody.Driver\") !! " + refused);
+}
+
+TEST(CreateDriverObject, PrefersTheRegisteredDriverUnlessTheSimulatorIsForced) {
+    auto registered = sim::SimInstrument(sim::SimOptions{":memory:", false, true}).createObject();
+    int asked = 0;
+    SetPlatformResolver([&](std::string_view progId) -> std::shared_ptr<DriverObject> {
+        ++asked;
+        return progId == "Other.Driver" ? registered : nullptr;
+    });
+    DriverOptions options;
+    options.simulator = std::make_shared<sim::SimInstrument>(sim::SimOptions{":memory:", false, true});
+    EXPECT_EQ(CreateDriverObject("Other.Driver", options), registered);
+    EXPECT_NE(CreateDriverObject(kDriverProgId, options), nullptr); // not registered here: the simulator
+    options.forceSimulator = true;
+    EXPECT_THROW(CreateDriverObject("Other.Driver", options), DriverError);
+    EXPECT_EQ(asked, 2);
+    SetPlatformResolver(nullptr);
+}
+
+} // namespace
+} // namespace vss::test
