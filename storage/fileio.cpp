@@ -17,6 +17,14 @@ constexpr std::size_t kBufferSize = 64 * 1024;
 bool isBlank(char c) { return c == ' ' || c == '\t'; }
 bool isSeparator(char c) { return c == ',' || c == '\r' || c == '\n'; }
 
+// The characters that end an unquoted field, as a table: the scan over the field is the reader's hot loop.
+struct SeparatorTable {
+    bool entries[256] = {};
+    constexpr SeparatorTable() { entries[','] = entries['\r'] = entries['\n'] = true; }
+    bool operator[](char c) const { return entries[static_cast<unsigned char>(c)]; }
+};
+constexpr SeparatorTable kSeparator;
+
 } // namespace
 
 fileio::fileio(MessageSink& sink) : sink_(sink) {}
@@ -39,8 +47,6 @@ void fileio::setFileName(const std::string& name) {
 }
 
 void fileio::openFile(Mode mode) {
-    if (file_ != nullptr || failed_)
-        return;
     std::error_code ec;
     if (std::filesystem::is_directory(fileName_, ec)) {
         errno = EISDIR;
@@ -57,7 +63,7 @@ void fileio::openFile(Mode mode) {
     }
     mode_ = mode;
     if (mode == Mode::Read) {
-        buffer_.resize(kBufferSize);
+        buffer_.resize(kBufferSize + 1);
         pos_ = len_ = 0;
         line_ = field_ = 1;
         pastEnd_ = false;
@@ -74,7 +80,8 @@ bool fileio::fill() {
         return true;
     if (file_ == nullptr)
         return false;
-    len_ = std::fread(buffer_.data(), 1, buffer_.size(), file_);
+    len_ = std::fread(buffer_.data(), 1, buffer_.size() - 1, file_);
+    buffer_[len_] = '\n'; // sentinel: ends every scan at the end of the buffered bytes
     pos_ = 0;
     return len_ > 0;
 }
@@ -98,7 +105,7 @@ void fileio::readUnquoted(std::string& out) {
         const char* begin = buffer_.data() + pos_;
         const char* end = buffer_.data() + len_;
         const char* p = begin;
-        while (p < end && !isSeparator(*p))
+        while (p < end && !kSeparator[*p])
             ++p;
         out.append(begin, p);
         pos_ += static_cast<std::size_t>(p - begin);
@@ -151,16 +158,78 @@ void fileio::readField(std::string& out) {
 // Fetches the next data field into the look-ahead, skipping empty fields and comments. At the end of the file
 // the look-ahead keeps its last value and every further read returns it again.
 void fileio::nextToken() {
-    while (!atEnd()) {
-        readField(scratch_);
-        if (!scratch_.empty() && scratch_.front() != ';') {
-            token_.swap(scratch_);
-            tokenLine_ = fieldLine_;
-            tokenField_ = fieldIndex_;
+    for (;;) {
+        if (atEnd()) {
+            pastEnd_ = true;
+            return;
+        }
+        if (!scanBufferedField()) {
+            readField(scratch_); // a field that runs past the buffered bytes
+            if (!scratch_.empty() && scratch_.front() != ';') {
+                token_.swap(scratch_);
+                tokenLine_ = fieldLine_;
+                tokenField_ = fieldIndex_;
+                return;
+            }
+        } else if (foundData_) {
             return;
         }
     }
-    pastEnd_ = true;
+}
+
+// The common case, on the buffered bytes alone: a field whose separator is already in the buffer. Returns false,
+// consuming nothing, when the field runs past the buffer. A data field goes straight into the token.
+bool fileio::scanBufferedField() {
+    const char* const base = buffer_.data();
+    const char* const end = base + len_;
+    const char* start = base + pos_;
+    while (isBlank(*start))
+        ++start;
+    if (start == end)
+        return false;
+    const char* first = start; // the field's text, without quotes
+    const char* last = nullptr;
+    const char* stop = nullptr; // the separator
+    std::int64_t lineEnds = 0;
+    if (*start == '"') {
+        first = start + 1;
+        const auto* quote = static_cast<const char*>(std::memchr(first, '"', static_cast<std::size_t>(end - first)));
+        if (quote == nullptr)
+            return false;
+        for (const char* p = first; p < quote; ++p)
+            if (*p == '\n' || (*p == '\r' && p[1] != '\n'))
+                ++lineEnds;
+        last = quote;
+        stop = quote + 1;
+        while (!kSeparator[*stop]) // the sentinel after the buffered bytes stops it
+            ++stop;
+    } else {
+        stop = start;
+        while (!kSeparator[*stop])
+            ++stop;
+        last = stop;
+        while (last > first && isBlank(last[-1]))
+            --last;
+    }
+    if (stop == end)
+        return false;
+    fieldLine_ = line_;
+    fieldIndex_ = field_;
+    line_ += lineEnds;
+    pos_ = static_cast<std::size_t>(stop - base);
+    if (*stop == ',') {
+        ++pos_;
+        ++field_;
+    } else {
+        consumeSeparator();
+    }
+    foundData_ = last > first && *first != ';';
+    if (foundData_) {
+        token_.assign(first, last);
+        tokenLine_ = fieldLine_;
+        tokenField_ = fieldIndex_;
+    }
+    return true;
 }
 
 // ---- typed reads
@@ -179,7 +248,7 @@ NumberOutOfRange fileio::outOfRange(std::string_view typeName) const {
 }
 
 std::string fileio::readStr() {
-    openFile(Mode::Read);
+    ensureOpen(Mode::Read);
     if (failed_)
         return {};
     if (mode_ != Mode::Read)
@@ -196,7 +265,7 @@ std::string fileio::readStr() {
 
 template <class T>
 T fileio::readWhole(std::string_view typeName) {
-    openFile(Mode::Read);
+    ensureOpen(Mode::Read);
     if (failed_)
         return 0;
     if (mode_ != Mode::Read)
@@ -218,7 +287,7 @@ std::int16_t fileio::readInt() { return readWhole<std::int16_t>("Integer"); }
 std::int32_t fileio::readLng() { return readWhole<std::int32_t>("Long"); }
 
 double fileio::readDbl() {
-    openFile(Mode::Read);
+    ensureOpen(Mode::Read);
     if (failed_)
         return 0.0;
     if (mode_ != Mode::Read)
@@ -237,7 +306,7 @@ double fileio::readDbl() {
 bool fileio::isBoolean(std::string_view text) { return numbertext::parseBoolean(text).has_value(); }
 
 bool fileio::readFlg() {
-    openFile(Mode::Read);
+    ensureOpen(Mode::Read);
     if (failed_)
         return false;
     if (mode_ != Mode::Read)
@@ -252,7 +321,7 @@ bool fileio::readFlg() {
 }
 
 bool fileio::endOfFile() {
-    openFile(Mode::Read);
+    ensureOpen(Mode::Read);
     if (failed_)
         return true;
     if (mode_ != Mode::Read)
@@ -276,7 +345,7 @@ Variant fileio::readVariant() {
 // ---- writing
 
 void fileio::write(std::string_view text) {
-    openFile(Mode::Append);
+    ensureOpen(Mode::Append);
     if (failed_)
         return;
     if (mode_ != Mode::Append)
@@ -289,9 +358,19 @@ void fileio::printStr(std::string& text) {
     write(text + "\r\n");
 }
 
-void fileio::print2Str(std::string_view text) { write(std::string(text) + "\r\n"); }
+void fileio::print2Str(std::string_view text) {
+    write(text);
+    write("\r\n");
+}
 
-void fileio::writeStr(std::string_view text) { write("\"" + std::string(text) + "\","); }
+void fileio::writeStr(std::string_view text) {
+    std::string field;
+    field.reserve(text.size() + 3);
+    field += '"';
+    field += text;
+    field += "\",";
+    write(field);
+}
 
 void fileio::writeDbl(double value) { write(numbertext::formatDouble(value) + ","); }
 
@@ -306,7 +385,11 @@ bool fileio::fileExists(const std::string& name) {
     return !name.empty() && std::filesystem::exists(name, ec) && !std::filesystem::is_directory(name, ec);
 }
 
-void fileio::printComment(std::string_view text) { write("; " + std::string(text) + "\r\n"); }
+void fileio::printComment(std::string_view text) {
+    write("; ");
+    write(text);
+    write("\r\n");
+}
 
 void fileio::writeFlg(bool value) { write(value ? "True," : "False,"); }
 

@@ -87,6 +87,10 @@ private:
     enum class Mode { Read, Append };
 
     void openFile(Mode mode);
+    void ensureOpen(Mode mode) {
+        if (file_ == nullptr && !failed_)
+            openFile(mode);
+    }
     void nextToken();
     static bool isBoolean(std::string_view text);
 
@@ -94,6 +98,7 @@ private:
     bool fill();
     bool atEnd() { return pos_ >= len_ && !fill(); }
     void readField(std::string& out);
+    bool scanBufferedField();
     void consumeSeparator();
     void readQuoted(std::string& out);
     void readUnquoted(std::string& out);
@@ -112,6 +117,7 @@ private:
     std::string scratch_; // the field being read, before it becomes the token
     bool failed_ = false;
     bool pastEnd_ = false;
+    bool foundData_ = false; // set by scanBufferedField
     std::int64_t messageCount_ = 0;
 
     std::vector<char> buffer_;
