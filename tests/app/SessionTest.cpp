@@ -86,10 +86,11 @@ TEST(Session, NormalSessionMakesTheSessionCallsInOrderAndAnotherReplacesIt) {
     EXPECT_TRUE(openEnabled(harness));
     expectOnlyDiskSizeHeld();
 
-    const auto firstDiskSize = handles().diskSize;
+    const std::weak_ptr<IDriverDiskSize> firstDiskSize = handles().diskSize;
     harness.clearTrace();
     harness.runSession();
-    EXPECT_NE(handles().diskSize, firstDiskSize) << "the next session replaces the disk-size handle";
+    EXPECT_TRUE(firstDiskSize.expired()) << "the next session replaces the disk-size handle";
+    EXPECT_TRUE(handles().diskSize);
     std::vector<std::string> second = session;
     const auto replaced = second.begin() + static_cast<std::ptrdiff_t>(connectLines().size());
     second.insert(replaced, "IDriverDiskSize.Release()");

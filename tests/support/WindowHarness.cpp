@@ -25,6 +25,7 @@ WindowHarness::WindowHarness(sim::SimOptions options)
     g.driverOptions = {};
     g.driverOptions.forceSimulator = true;
     g.driverOptions.simulator = sim_;
+    g.driverOptions.trace = trace_;
 
     setMessageHandler([this](const std::string& text, const std::string& title) {
         messages_.push_back({text, title});
@@ -61,14 +62,6 @@ WindowHarness::~WindowHarness() {
     setMessageHandler({});
     dlgConfigFile::setChooser({});
     dlgConfigFile::instance().reset();
-}
-
-std::vector<std::string> WindowHarness::trace() const {
-    return sim_->trace().lines();
-}
-
-void WindowHarness::clearTrace() {
-    sim_->trace().clear();
 }
 
 frmTop& WindowHarness::top() {

@@ -43,11 +43,13 @@ public:
     WindowHarness(const WindowHarness&) = delete;
     WindowHarness& operator=(const WindowHarness&) = delete;
 
-    // The simulated instrument: inputs, injected failures, the trace of every call.
+    // The simulated instrument: inputs, injected failures, its own record of the calls made on it.
     sim::SimInstrument& sim() { return *sim_; }
-    std::shared_ptr<sim::SimInstrument> simPointer() const { return sim_; }
-    std::vector<std::string> trace() const;
-    void clearTrace();
+
+    // The program's trace, as --trace writes it: the creation of the driver object, every query, call and
+    // release, in order.
+    std::vector<std::string> trace() const { return trace_->lines(); }
+    void clearTrace() { trace_->clear(); }
 
     // Messages shown so far, oldest first.
     const std::vector<ShownMessage>& messages() const { return messages_; }
@@ -108,6 +110,7 @@ private:
     void abandonSteps();
 
     std::shared_ptr<sim::SimInstrument> sim_;
+    std::shared_ptr<TraceBuffer> trace_ = std::make_shared<TraceBuffer>();
     std::unique_ptr<frmTop> top_;
     std::vector<ShownMessage> messages_;
     std::deque<std::optional<std::string>> fileAnswers_;
