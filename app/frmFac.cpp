@@ -8,13 +8,13 @@ namespace vss {
 
 frmFac::frmFac(QWidget* parent) : Form(parent) {
     setWindowTitle(appTitle() + QStringLiteral(" (Factory use only)"));
-    setClientSizeTwips(3015, 2040);
+    setClientSizeTwips(4815, 2040);
 
     QPushButton* cmdSpinstand =
-        addButton("cmdSpinstand", QStringLiteral("Spinstand Settings"), 120, 120, 2775, 375);
-    QPushButton* cmdPiezo = addButton("cmdPiezo", QStringLiteral("Piezo Settings"), 120, 600, 2775, 375);
-    QPushButton* cmdVersion = addButton("cmdVersion", QStringLiteral("Version"), 120, 1080, 2775, 375);
-    QPushButton* cmdReturn = addButton("cmdReturn", QStringLiteral("Return"), 1920, 1560, 975, 375);
+        addButton("cmdSpinstand", QStringLiteral("Spinstand Settings"), 1020, 120, 2775, 375);
+    QPushButton* cmdPiezo = addButton("cmdPiezo", QStringLiteral("Piezo Settings"), 1020, 600, 2775, 375);
+    QPushButton* cmdVersion = addButton("cmdVersion", QStringLiteral("Version"), 1020, 1080, 2775, 375);
+    QPushButton* cmdReturn = addButton("cmdReturn", QStringLiteral("Return"), 2820, 1560, 975, 375);
 
     connect(cmdSpinstand, &QPushButton::clicked, this,
             [this] { openModal(menuWindows().spinstandSettings); });
