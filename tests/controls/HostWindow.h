@@ -40,7 +40,7 @@ protected:
         return control->template findChild<Child*>(name);
     }
 
-    // Clicks into a text box, replaces its text by typing, and optionally presses Enter.
+    // Clicks into a text box and replaces its text by typing.
     static void typeInto(QLineEdit* box, const QString& text) {
         QTest::mouseClick(box, Qt::LeftButton);
         box->selectAll();
