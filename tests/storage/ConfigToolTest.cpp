@@ -1,0 +1,135 @@
+// vsstool-config run as a process on simulated instruments, each with its own memory file.
+
+#include "tests/storage/StorageTestSupport.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <sstream>
+#include <sys/wait.h>
+
+#ifndef VSS_CONFIG_TOOL
+#error "VSS_CONFIG_TOOL names the built vsstool-config"
+#endif
+
+namespace vss {
+namespace {
+
+struct ToolRun {
+    int exitCode = -1;
+    std::string out;
+    std::string err;
+};
+
+class ConfigTool : public ::testing::Test {
+protected:
+    ToolRun run(const std::string& arguments, const std::string& input = "") {
+        const std::string in = dir_.write("stdin.txt", input);
+        const std::string command = std::string(VSS_CONFIG_TOOL) + " --simulate " + arguments + " <" + in + " >" +
+                                    dir_.path("out.txt") + " 2>" + dir_.path("err.txt");
+        const int status = std::system(command.c_str());
+        return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, test::readBytes(dir_.path("out.txt")),
+                test::readBytes(dir_.path("err.txt"))};
+    }
+    std::string path(const std::string& name) const { return dir_.path(name); }
+    std::string write(const std::string& name, const std::string& bytes) const { return dir_.write(name, bytes); }
+
+    // Imports that change every group.
+    static std::string importEveryGroup() {
+        std::string imports;
+        for (const char* group : {"setting", "customer", "stage-config", "spinstand", "spindle", "stage", "piezo",
+                                  "piezo-control", "backlash"})
+            imports += std::string(" import ") + group + " " + VSS_GOLDEN_DIR + "/" + group + ".csv";
+        return imports;
+    }
+
+    // Instrument A with every group changed and saved, backed up into backup.csv.
+    void prepareInstrumentA() {
+        const ToolRun r = run("--quiet --sim-state " + path("a.txt") + importEveryGroup() + " save all backup " +
+                              path("backup.csv"));
+        ASSERT_EQ(r.exitCode, 0) << r.err;
+    }
+
+private:
+    test::ScratchDir dir_;
+};
+
+int lineCount(const std::string& text) { return static_cast<int>(std::count(text.begin(), text.end(), '\n')); }
+
+TEST_F(ConfigTool, BackupOnOneInstrumentAndRestoreOntoAnotherGivesEqualValues) {
+    prepareInstrumentA();
+    const std::string b = " --sim-state " + path("b.txt");
+
+    const ToolRun declined = run(b + " restore " + path("backup.csv"), "n\n");
+    EXPECT_EQ(declined.exitCode, 0);
+    EXPECT_NE(declined.out.find("%SpindleSpeed: instrument 7200, file 5400\n"), std::string::npos);
+    EXPECT_NE(declined.out.find("nothing was changed"), std::string::npos);
+    EXPECT_GT(lineCount(run(b + " --quiet diff " + path("backup.csv")).out), 50);
+
+    const ToolRun restored = run(b + " --quiet restore " + path("backup.csv") + " diff " + path("backup.csv"), "y\n");
+    EXPECT_EQ(restored.exitCode, 0) << restored.err;
+    const auto prompt = restored.out.find("[y/N] ");
+    ASSERT_NE(prompt, std::string::npos);
+    EXPECT_EQ(restored.out.find("instrument", prompt), std::string::npos) << "the diff after the restore is empty";
+
+    // Without save, a new session starts from the instrument's non-volatile copy again: only the groups
+    // that have a save operation survive a save.
+    EXPECT_GT(lineCount(run(b + " --quiet diff " + path("backup.csv")).out), 50);
+    ASSERT_EQ(run(b + " --quiet --yes restore " + path("backup.csv") + " save all").exitCode, 0);
+    const ToolRun after = run(b + " --quiet diff " + path("backup.csv"));
+    EXPECT_EQ(after.exitCode, 0);
+    std::istringstream lines(after.out);
+    for (std::string line; std::getline(lines, line);)
+        EXPECT_TRUE(line.starts_with("%SpindleSpeed:") || line.starts_with("%HomeState") ||
+                    line.starts_with("%LoadMethod") || line.starts_with("%LoadPosition") ||
+                    line.starts_with("%DataArea") || line.starts_with("%DiskSizeRestriction"))
+            << line;
+}
+
+TEST_F(ConfigTool, DiffShowsExactlyTheDifferingValuesAndChangesNothing) {
+    prepareInstrumentA();
+    std::string edited = test::readBytes(path("backup.csv"));
+    const auto replace = [&](const std::string& from, const std::string& to) {
+        const auto at = edited.find(from);
+        ASSERT_NE(at, std::string::npos) << from;
+        edited.replace(at, from.size(), to);
+    };
+    replace("%SpindleSpeedRange\r\n3600,12000,", "%SpindleSpeedRange\r\n3600,12500,");
+    replace("\"tRdy\",\"(Long)\",5007,", "\"tRdy\",\"(Long)\",5100,");
+    replace("%BacklashCompensationData\r\n90,91,", "%BacklashCompensationData\r\n90,95,");
+    write("edited.csv", edited);
+
+    const std::string differences = "%SpindleSpeedRange Max: instrument 12000, file 12500\n"
+                                    "%SpindleProperty tRdy: instrument (Long) 5007, file (Long) 5100\n"
+                                    "%BacklashCompensationData 1: instrument 91, file 95\n";
+    // In one session with the same changes as A, twice: the first diff changed nothing.
+    const ToolRun diff = run("--quiet --sim-state " + path("c.txt") + importEveryGroup() + " diff " +
+                             path("edited.csv") + " diff " + path("edited.csv"));
+    EXPECT_EQ(diff.exitCode, 0) << diff.err;
+    EXPECT_EQ(diff.out, differences + differences);
+}
+
+TEST_F(ConfigTool, MessagesNameTheFileAndFieldAndSetTheExitCode) {
+    const std::string bad = write("bad.csv", "%SpindleSpeedRange\r\n4000,fast,\r\n");
+    const ToolRun messages = run("--quiet import spindle " + bad);
+    EXPECT_EQ(messages.exitCode, 1);
+    // The message, then the instrument's refusal of the range 4000..0 that was still sent.
+    EXPECT_TRUE(messages.err.starts_with("error: error: Not Numeric Value(Long). (file " + bad + ", line 2, field 2)\n"))
+        << messages.err;
+
+    const ToolRun overflow = run("--quiet import spinstand " + write("big.csv", "%SpinstandType\r\n99999\r\n"));
+    EXPECT_EQ(overflow.exitCode, 1);
+    EXPECT_NE(overflow.err.find("line 2, field 1"), std::string::npos) << overflow.err;
+
+    const ToolRun missing = run("--quiet import setting " + path("missing.csv") + " export setting " + path("x.csv"));
+    EXPECT_EQ(missing.exitCode, 2);
+    EXPECT_NE(missing.err.find("(file " + path("missing.csv") + ")"), std::string::npos) << missing.err;
+    EXPECT_FALSE(test::readBytes(path("x.csv")).empty()); // the later action still ran
+
+    for (const char* usage : {"", "import piezo-info x.csv", "export nogroup x.csv", "save setting", "export",
+                              "--frobnicate diff x.csv"})
+        EXPECT_EQ(run(usage).exitCode, 2) << usage;
+    EXPECT_EQ(run("--help").exitCode, 0);
+}
+
+} // namespace
+} // namespace vss
