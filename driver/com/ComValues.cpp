@@ -50,10 +50,17 @@ std::string elementName(VARTYPE vt) {
         return "texts";
     case VT_I2:
         return "16-bit integers";
+    case VT_I4:
+        return "32-bit integers";
     case VT_R8:
         return "doubles";
-    default:
-        return "values";
+    case VT_BOOL:
+        return "Booleans";
+    default: {
+        char buf[40];
+        std::snprintf(buf, sizeof buf, "elements of type 0x%04X", static_cast<unsigned>(vt));
+        return buf;
+    }
     }
 }
 
@@ -66,7 +73,7 @@ void forEachElement(const VARIANT& v, VARTYPE element, std::string_view what, Ta
         throw ValueFault(std::string(what) + " is " + describe(v.vt) + ", not " + expected);
     const VARTYPE tagged = static_cast<VARTYPE>(v.vt & VT_TYPEMASK);
     if (tagged != element && tagged != VT_VARIANT)
-        throw ValueFault(std::string(what) + " is an array of " + describe(tagged) + " elements, not " + expected);
+        throw ValueFault(std::string(what) + " is a list of " + elementName(tagged) + ", not " + expected);
     SAFEARRAY* array = v.parray;
     if (array == nullptr)
         throw ValueFault(std::string(what) + " is an array VARIANT without an array");

@@ -82,6 +82,11 @@ public:
     OwnedVariant& operator=(const OwnedVariant&) = delete;
 
     const VARIANT& get() const { return v_; }
+    VARIANT release() { // hands the VARIANT over to a receiver that owns it from now on
+        VARIANT v = v_;
+        VariantInit(&v_);
+        return v;
+    }
     VARIANT* out() {
         clearVariant(v_);
         return &v_;

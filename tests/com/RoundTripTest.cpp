@@ -1,0 +1,117 @@
+// The client against the registered simulator server: the same run through COM and in-process must reach the
+// instrument with the same calls and give back the same results; failures, creation and leaks.
+
+#include "driver/Trace.h"
+#include "driver/com/ComClient.h"
+#include "driver/sim/SimInstrument.h"
+#include "tests/com/ComTestSupport.h"
+
+namespace vss::com::test {
+namespace {
+
+using RoundTrip = ComTest;
+
+TEST_F(RoundTrip, EveryOperationGivesTheSameResultsAndTraceAsInProcess) {
+    sim::SimInstrument local(sim::SimOptions{":memory:"});
+    {
+        auto object = local.createObject();
+        local.trace().clear();
+        exerciseEveryOperation(*object);
+    }
+    const std::vector<std::string> expected = local.trace().lines();
+
+    ServerInstrument server;
+    auto client = std::make_shared<TraceBuffer>();
+    server.clearTrace();
+    {
+        auto object = ComDriverObject::create(kProgId);
+        exerciseEveryOperation(*WithTrace(object, client));
+    }
+
+    ASSERT_GT(expected.size(), 150u);
+    // What the instrument saw through COM: the same calls with the same arguments, in the same order.
+    EXPECT_EQ(server.trace(), expected);
+    // What the client got back: the same results and the same failure descriptions.
+    EXPECT_EQ(client->lines(), expected);
+}
+
+TEST_F(RoundTrip, DriverFailureArrivesWithTheDriversDescription) {
+    ServerInstrument server;
+    auto object = ComDriverObject::create(kProgId);
+    auto driver = QueryInterface<IDriver>(*object);
+    driver->Open("QTB::R2208C");
+    server.failOperation("IDriver.GetState", "The instrument does not answer on QTB::R2208C.", 1);
+    try {
+        driver->GetState();
+        FAIL() << "the injected failure did not arrive";
+    } catch (const DriverError& e) {
+        EXPECT_EQ(e.description(), "The instrument does not answer on QTB::R2208C.");
+        EXPECT_LT(e.code(), 0);
+    }
+    EXPECT_NO_THROW(driver->GetState()); // failed once only
+
+    // The instrument's own refusal crosses the same way.
+    try {
+        driver->Open("GPIB0::1");
+        FAIL() << "an unknown resource was accepted";
+    } catch (const DriverError& e) {
+        EXPECT_NE(e.description().find("GPIB0::1"), std::string::npos) << e.description();
+    }
+}
+
+TEST_F(RoundTrip, UnregisteredProgIdFailsClearlyOrResolvesToNothing) {
+    const char* missing = "Vlkd2208.NoSuchDriver";
+    try {
+        ComDriverObject::create(missing);
+        FAIL() << "an unregistered ProgID created an object";
+    } catch (const DriverError& e) {
+        EXPECT_NE(e.description().find("\"Vlkd2208.NoSuchDriver\""), std::string::npos) << e.description();
+        EXPECT_NE(e.description().find("no driver is registered"), std::string::npos) << e.description();
+        EXPECT_NE(e.description().find("0x800401F3"), std::string::npos) << e.description();
+        EXPECT_EQ(static_cast<std::uint32_t>(e.code()), 0x800401F3u);
+    }
+    EXPECT_EQ(ComDriverObject::create(missing, /*nullWhenUnregistered=*/true), nullptr);
+}
+
+TEST_F(RoundTrip, AnIdentifierOutsideTheContractIsRefusedByName) {
+    auto object = ComDriverObject::create(kProgId);
+    const Guid stranger = Guid::parse("{00000000-1111-2222-3333-444444444444}");
+    try {
+        object->QueryInterface(stranger);
+        FAIL();
+    } catch (const DriverError& e) {
+        EXPECT_NE(e.description().find("{00000000-1111-2222-3333-444444444444}"), std::string::npos);
+    }
+}
+
+TEST_F(RoundTrip, TenThousandCallsLeaveNoStringArrayOrVariantBehind) {
+    ServerInstrument server;
+    auto object = ComDriverObject::create(kProgId);
+    auto driver = QueryInterface<IDriver>(*object);
+    auto service = QueryInterface<IDriverService>(*object);
+    driver->Open("QTB::R2208C");
+    const std::int16_t firstStageId = service->GetStagePropertyList().ids.at(0);
+    server.failOperation("IDriverService.GetBacklashDate", "No backlash data.", -1);
+
+    const AllocationCounts before = allocationCounts() + server.counts();
+    for (int i = 0; i < 1000; ++i) {
+        driver->GetLoadMethodList();                               // two lists
+        driver->GetHardwareRevision();                             // a text
+        service->SetHardwareRevision("HW " + std::to_string(i));   // a text in
+        service->GetStagePropertyList();                           // three lists
+        service->SetStageProperty(0, service->GetStageProperty(firstStageId)); // a value out and in
+        service->SetPiezoCalCoef(service->GetPiezoCalCoef());      // a list of doubles out and in
+        service->SetPiezoControlData(service->GetPiezoControlData()); // five lists out and in
+        EXPECT_THROW(service->GetBacklashDate(), DriverError);     // a failure with its description
+    }
+    const AllocationCounts after = allocationCounts() + server.counts();
+
+    EXPECT_GE(after.strings - before.strings, 5000);
+    EXPECT_GE(after.arrays - before.arrays, 12000);
+    EXPECT_EQ(after.strings - before.strings, after.stringFrees - before.stringFrees);
+    EXPECT_EQ(after.arrays - before.arrays, after.arrayFrees - before.arrayFrees);
+    EXPECT_EQ(after.variants - before.variants, after.variantFrees - before.variantFrees);
+}
+
+} // namespace
+} // namespace vss::com::test
