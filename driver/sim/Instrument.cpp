@@ -288,13 +288,18 @@ std::int32_t Instrument::spindleState() const {
 }
 
 void Instrument::setSpindleSpeed(std::int32_t rpm) {
-    const SpeedRange range = working.spindle.speedRange;
-    if (rpm < range.min || rpm > range.max)
-        throw DriverError("The spindle speed " + std::to_string(rpm) + " rpm is outside the range " +
-                          std::to_string(range.min) + " to " + std::to_string(range.max) + " rpm.");
+    checkSpeed(rpm, "");
     if (spinning() && rpm != measurement.spindleSpeed)
         pause(500);
     measurement.spindleSpeed = rpm;
+}
+
+void Instrument::checkSpeed(std::int32_t rpm, std::string_view alternative) const {
+    const SpeedRange range = working.spindle.speedRange;
+    if (rpm < range.min || rpm > range.max)
+        throw DriverError("The spindle speed " + std::to_string(rpm) + " rpm is outside the range " +
+                          std::to_string(range.min) + " to " + std::to_string(range.max) + " rpm" +
+                          std::string(alternative) + ".");
 }
 
 void Instrument::setSpeedRange(std::int32_t min, std::int32_t max) {
@@ -314,20 +319,9 @@ void Instrument::setHomeState(std::int32_t code) {
 
 // What the spindle does whenever the heads come home.
 void Instrument::applyHomeState() {
-    switch (measurement.homeState) {
-    case homestate::Run:
-        setClamp(true);
-        setMotor(true);
-        break;
-    case homestate::Standby:
-        setMotor(false);
-        setClamp(true);
-        break;
-    default:
-        setMotor(false);
-        setClamp(false);
-        break;
-    }
+    setSpindleState(measurement.homeState == homestate::Run       ? spindlestate::Run
+                    : measurement.homeState == homestate::Standby ? spindlestate::Standby
+                                                                  : spindlestate::Off);
 }
 
 // ---------------------------------------------------------------------------------------------------------------
@@ -488,10 +482,8 @@ void Instrument::setLoadPosition(std::int16_t which, const PositionRecord& posit
     if (position.skew != kNoSkew && !(std::fabs(position.skew) <= 45.0))
         throw DriverError("The skew " + num(position.skew) + " deg is outside the range -45 to 45 deg (or " +
                           num(kNoSkew) + " for none).");
-    const SpeedRange range = working.spindle.speedRange;
-    if (rpm != -1 && (rpm < range.min || rpm > range.max))
-        throw DriverError("The spindle speed " + std::to_string(rpm) + " rpm is outside the range " +
-                          std::to_string(range.min) + " to " + std::to_string(range.max) + " rpm (or -1 to keep it).");
+    if (rpm != -1)
+        checkSpeed(rpm, " (or -1 to keep it)");
     LoadPosition& p = measurement.positions[static_cast<std::size_t>(which - 1)];
     p.position = {reportedRadius(position.radius), position.skew};
     if (rpm != -1)

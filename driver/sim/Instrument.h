@@ -117,6 +117,7 @@ private:
     void requireSpindleRunning(std::string_view action) const;
     void requireHeadsSafeAt(double angle, std::string_view action) const;
     void applyHomeState();
+    void checkSpeed(std::int32_t rpm, std::string_view alternative) const;
     void parkHeads();
     void driveStage(double angle);
     bool atHome() const;

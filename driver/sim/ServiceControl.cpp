@@ -65,8 +65,8 @@ PositionRecord SimService::GetMeasurementPosition(std::int16_t index) { return m
 
 namespace {
 double& geometryValue(StageGeometry& g, std::int16_t index) {
-    checkGeometry(index, index == 0 ? g.stage2Spindle : index == 1 ? g.stage2Ref : g.stageOffset);
-    return index == 0 ? g.stage2Spindle : index == 1 ? g.stage2Ref : g.stageOffset;
+    checkGeometryIndex(index);
+    return index == geometry::Stage2Spindle ? g.stage2Spindle : index == geometry::Stage2Ref ? g.stage2Ref : g.stageOffset;
 }
 } // namespace
 

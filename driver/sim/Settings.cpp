@@ -160,17 +160,21 @@ void checkStopperIndex(std::int16_t index) {
 
 void checkStopperAngle(double angle) { checkRange("The stopper angle", angle, kMinStageAngle, 40.0, "deg"); }
 
+void checkGeometryIndex(std::int16_t index) {
+    if (index < 0 || index > 2)
+        fail("Stage geometry index " + std::to_string(index) +
+             " does not exist: use 0 (Stage2Spindle), 1 (Stage2Ref) or 2 (StageOffset).");
+}
+
 void checkGeometry(std::int16_t index, double value) {
+    checkGeometryIndex(index);
     switch (index) {
     case 0:
         return checkRange("Stage2Spindle", value, 40.0, 150.0, "mm");
     case 1:
         return checkRange("Stage2Ref", value, 30.0, 120.0, "mm");
-    case 2:
-        return checkRange("StageOffset", value, -20.0, 20.0, "mm");
     default:
-        fail("Stage geometry index " + std::to_string(index) +
-             " does not exist: use 0 (Stage2Spindle), 1 (Stage2Ref) or 2 (StageOffset).");
+        return checkRange("StageOffset", value, -20.0, 20.0, "mm");
     }
 }
 

@@ -103,6 +103,7 @@ void checkDiskSizeRange(double min, double max);
 void checkSpeedRange(std::int32_t min, std::int32_t max);
 void checkStopperIndex(std::int16_t index);
 void checkStopperAngle(double angle);
+void checkGeometryIndex(std::int16_t index);
 void checkGeometry(std::int16_t index, double value);
 void checkHeadFace(std::int32_t face);
 void checkAdjustIndex(std::int16_t index);
