@@ -1,6 +1,7 @@
 #include "app/Form.h"
 
 #include "app/Messages.h"
+#include "app/WaitCursor.h"
 #include "app/modGlobal.h"
 #include "controls/Twips.h"
 
@@ -13,39 +14,6 @@
 
 namespace vss {
 namespace {
-
-// Wait cursors that busy windows have put on the application's cursor stack.
-int waitCursorsShown = 0;
-
-void pushWaitCursor() {
-    QApplication::setOverrideCursor(Qt::WaitCursor);
-    ++waitCursorsShown;
-}
-
-void popWaitCursor() {
-    if (waitCursorsShown == 0)
-        return;
-    QApplication::restoreOverrideCursor();
-    --waitCursorsShown;
-}
-
-// While a modal window is up the user works in it: the busy openers beneath it show no wait cursor.
-class WaitCursorLift {
-public:
-    WaitCursorLift() : lifted_(waitCursorsShown) {
-        for (int i = 0; i < lifted_; ++i)
-            popWaitCursor();
-    }
-    ~WaitCursorLift() {
-        for (int i = 0; i < lifted_; ++i)
-            pushWaitCursor();
-    }
-    WaitCursorLift(const WaitCursorLift&) = delete;
-    WaitCursorLift& operator=(const WaitCursorLift&) = delete;
-
-private:
-    int lifted_;
-};
 
 // Frames hold controls; every other widget is a control of its own (its inner parts are not walked).
 bool isFrame(const QWidget* w) {

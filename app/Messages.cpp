@@ -1,5 +1,6 @@
 #include "app/Messages.h"
 
+#include "app/WaitCursor.h"
 #include "app/modGlobal.h"
 
 #include <QApplication>
@@ -34,6 +35,7 @@ public:
 void showMessage(std::string_view text, std::string_view title) {
     const std::string resolvedTitle(title.empty() ? kAppTitle : title);
     const std::string body(text);
+    const WaitCursorLift lift;
     if (const MessageHandler& handler = currentHandler())
         handler(body, resolvedTitle);
     else

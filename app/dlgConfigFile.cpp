@@ -1,5 +1,7 @@
 #include "app/dlgConfigFile.h"
 
+#include "app/WaitCursor.h"
+
 #include <QApplication>
 #include <QFileDialog>
 #include <QStringList>
@@ -44,6 +46,7 @@ std::string dlgConfigFile::showOpen(std::string_view title) {
 
 std::string dlgConfigFile::show(std::string_view title, bool save) {
     const FileDialogRequest request{std::string(title), filter_, save, fileName_};
+    const WaitCursorLift lift;
     const Chooser& chooser = currentChooser();
     if (std::optional<std::string> chosen = chooser ? chooser(request) : systemChooser(request))
         fileName_ = std::move(*chosen);

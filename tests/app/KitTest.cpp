@@ -80,6 +80,7 @@ TEST(BusyBracket, AFailingStepStopsTheHandlerShowsItsTextOnceAndEnablesAgain) {
     ASSERT_EQ(harness.messages().size(), 1U);
     EXPECT_EQ(harness.messages()[0].text, "Spindle fault");
     EXPECT_EQ(harness.messages()[0].title, "Velkor Spinstand Tool");
+    EXPECT_FALSE(harness.messages()[0].waitCursor) << "the user answers the message with the normal cursor";
     EXPECT_TRUE(w.text->isEnabled());
     EXPECT_EQ(w.refreshes, 1) << "the window's own enableAllControls runs after a failure too";
     EXPECT_FALSE(WindowHarness::waitCursorShown());

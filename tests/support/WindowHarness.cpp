@@ -28,7 +28,7 @@ WindowHarness::WindowHarness(sim::SimOptions options)
     g.driverOptions.trace = trace_;
 
     setMessageHandler([this](const std::string& text, const std::string& title) {
-        messages_.push_back({text, title});
+        messages_.push_back({text, title, waitCursorShown()});
     });
     dlgConfigFile::instance().reset();
     dlgConfigFile::setChooser([this](const FileDialogRequest& request) -> std::optional<std::string> {

@@ -32,6 +32,7 @@ namespace vss::testing {
 struct ShownMessage {
     std::string text;
     std::string title;
+    bool waitCursor = false; // whether the wait cursor was up while the message was
 };
 
 class WindowHarness {
