@@ -20,7 +20,10 @@ bool isSeparator(char c) { return c == ',' || c == '\r' || c == '\n'; }
 // The characters that end an unquoted field, as a table: the scan over the field is the reader's hot loop.
 struct SeparatorTable {
     bool entries[256] = {};
-    constexpr SeparatorTable() { entries[','] = entries['\r'] = entries['\n'] = true; }
+    constexpr SeparatorTable() {
+        for (unsigned char c : {',', '\r', '\n'})
+            entries[c] = true;
+    }
     bool operator[](char c) const { return entries[static_cast<unsigned char>(c)]; }
 };
 constexpr SeparatorTable kSeparator;
