@@ -1,0 +1,128 @@
+#include "operation/frmVersion.h"
+
+#include "app/modGlobal.h"
+#include "operation/Build.h"
+
+#include <QFocusEvent>
+#include <QKeyEvent>
+
+namespace vss {
+namespace {
+
+using operation::newButton;
+using operation::newLabel;
+using operation::newTextBox;
+
+struct VersionTexts {
+    std::string hardwareRevision;
+    std::string serialNumber;
+    std::string driverRevision;
+    std::string firmwareRevision;
+};
+
+// The main and the service interface each answer the four reads; they are read in this order.
+template <class Interface> VersionTexts readVersion(Interface& from) {
+    VersionTexts v;
+    v.hardwareRevision = from.GetHardwareRevision();
+    v.serialNumber = from.GetSerialNumber();
+    v.driverRevision = from.GetDriverRevision();
+    v.firmwareRevision = from.GetFirmwareRevision();
+    return v;
+}
+
+QString qtext(const std::string& s) {
+    return QString::fromStdString(s);
+}
+
+bool isEnter(const QEvent* event) {
+    if (event->type() != QEvent::KeyPress)
+        return false;
+    const int key = static_cast<const QKeyEvent*>(event)->key();
+    return key == Qt::Key_Return || key == Qt::Key_Enter;
+}
+
+// Leaving the box for another control of the window, not for its context menu or another window.
+bool isLeaving(const QEvent* event) {
+    if (event->type() != QEvent::FocusOut)
+        return false;
+    const Qt::FocusReason reason = static_cast<const QFocusEvent*>(event)->reason();
+    return reason != Qt::PopupFocusReason && reason != Qt::ActiveWindowFocusReason;
+}
+
+} // namespace
+
+frmVersion::frmVersion(QWidget* parent, bool factoryMode) : Form(parent), factoryMode_(factoryMode) {
+    setClientSizeTwips(5430, 2640);
+    newLabel(this, "lblHwRevision", QStringLiteral("Hardware Revision"), 120, 165, 2295, 255);
+    txtHwRevision_ = newTextBox(this, "txtHwRevision", 2520, 120, 2775, 315, !factoryMode_);
+    newLabel(this, "lblSerialNumber", QStringLiteral("Spinstand Serial Number"), 120, 585, 2295, 255);
+    txtSerialNumber_ = newTextBox(this, "txtSerialNumber", 2520, 540, 2775, 315, !factoryMode_);
+    newLabel(this, "lblFwRevision", QStringLiteral("Firmware Revision"), 120, 1005, 2295, 255);
+    txtFwRevision_ = newTextBox(this, "txtFwRevision", 2520, 960, 2775, 315, true);
+    newLabel(this, "lblDrvRevision", QStringLiteral("Driver Revision"), 120, 1425, 2295, 255);
+    txtDrvRevision_ = newTextBox(this, "txtDrvRevision", 2520, 1380, 2775, 315, true);
+    QPushButton* cmdSave = newButton(this, "cmdSave", QStringLiteral("Save"), 120, 2040, 1215, 375);
+    QPushButton* cmdRecall = newButton(this, "cmdRecall", QStringLiteral("Recall"), 1440, 2040, 1215, 375);
+    QPushButton* cmdReturn = newButton(this, "cmdReturn", QStringLiteral("Return"), 4080, 2040, 1215, 375);
+
+    hwRevision_ = {txtHwRevision_, [](const std::string& t) { handles().service->SetHardwareRevision(t); },
+                   [] { return handles().service->GetHardwareRevision(); }};
+    serialNumber_ = {txtSerialNumber_, [](const std::string& t) { handles().service->SetSerialNumber(t); },
+                     [] { return handles().service->GetSerialNumber(); }};
+    txtHwRevision_->installEventFilter(this);
+    txtSerialNumber_->installEventFilter(this);
+    connect(cmdSave, &QPushButton::clicked, this, &frmVersion::cmdSave_Click);
+    connect(cmdRecall, &QPushButton::clicked, this, &frmVersion::cmdRecall_Click);
+    connect(cmdReturn, &QPushButton::clicked, this, &Form::accept);
+
+    if (factoryMode_) {
+        setWindowTitle(QStringLiteral("Version Data (Factory use only)"));
+    } else {
+        setWindowTitle(appTitle() + QStringLiteral(" : Version Information"));
+        cmdSave->setEnabled(false);
+        cmdRecall->setEnabled(false);
+    }
+    trapErrors([this] { refresh(); });
+}
+
+void frmVersion::refresh() {
+    const VersionTexts v = factoryMode_ ? readVersion(*handles().service) : readVersion(*handles().driver);
+    txtHwRevision_->setText(qtext(v.hardwareRevision));
+    txtSerialNumber_->setText(qtext(v.serialNumber));
+    txtDrvRevision_->setText(qtext(v.driverRevision));
+    txtFwRevision_->setText(qtext(v.firmwareRevision));
+}
+
+const frmVersion::EditableText* frmVersion::editableFor(const QObject* box) const {
+    if (box == hwRevision_.box)
+        return &hwRevision_;
+    if (box == serialNumber_.box)
+        return &serialNumber_;
+    return nullptr;
+}
+
+bool frmVersion::eventFilter(QObject* watched, QEvent* event) {
+    const EditableText* text = factoryMode_ ? editableFor(watched) : nullptr;
+    if (text && (isEnter(event) || (isLeaving(event) && text->box->isModified())))
+        enterText(*text);
+    return Form::eventFilter(watched, event);
+}
+
+// The box's text is written as it stands, also when unchanged, and the instrument's value is shown after.
+void frmVersion::enterText(const EditableText& text) {
+    text.box->setModified(false); // leaving the box while the window is busy writes nothing more
+    const std::string typed = text.box->text().toStdString();
+    if (runBusy([&] { text.write(typed); }))
+        trapErrors([&] { text.box->setText(qtext(text.read())); });
+}
+
+void frmVersion::cmdSave_Click() {
+    runBusy([] { handles().service->SaveVersionData(); });
+}
+
+void frmVersion::cmdRecall_Click() {
+    if (runBusy([] { handles().service->RecallVersionData(); }))
+        trapErrors([this] { refresh(); });
+}
+
+} // namespace vss
