@@ -9,7 +9,7 @@ set -uo pipefail
 
 prefix="${WINEPREFIX:-$HOME/.cache/vss-wine}"
 if [ "${1:-}" = "--prefix" ]; then
-    prefix="$2"
+    prefix="$(realpath -m "$2")"
     shift 2
 fi
 [ $# -ge 1 ] || { echo "usage: $0 [--prefix DIR] PROGRAM [ARGS...] | --stop" >&2; exit 2; }
