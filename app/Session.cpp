@@ -3,39 +3,37 @@
 namespace vss {
 namespace {
 
-template <class I> void query(DriverObject& object, std::shared_ptr<I>& handle) {
+// The eleven handles a session takes and gives back in one order; the disk-size handle follows them when taken
+// and is not given back.
+template <class F>
+void forEachReleasedHandle(DriverHandles& h, F&& f) {
+    f(h.driver);
+    f(h.piezo);
+    f(h.stage);
+    f(h.loadPosition);
+    f(h.headLoader);
+    f(h.spindle);
+    f(h.clamp);
+    f(h.headFace);
+    f(h.index);
+    f(h.interlock);
+    f(h.service);
+}
+
+template <class I>
+void query(DriverObject& object, std::shared_ptr<I>& handle) {
     handle = QueryInterface<I>(object);
 }
 
 } // namespace
 
 void acquireHandles(DriverObject& object, DriverHandles& h) {
-    query(object, h.driver);
-    query(object, h.piezo);
-    query(object, h.stage);
-    query(object, h.loadPosition);
-    query(object, h.headLoader);
-    query(object, h.spindle);
-    query(object, h.clamp);
-    query(object, h.headFace);
-    query(object, h.index);
-    query(object, h.interlock);
-    query(object, h.service);
+    forEachReleasedHandle(h, [&object](auto& handle) { query(object, handle); });
     query(object, h.diskSize);
 }
 
 void releaseHandles(DriverHandles& h) {
-    h.driver.reset();
-    h.piezo.reset();
-    h.stage.reset();
-    h.loadPosition.reset();
-    h.headLoader.reset();
-    h.spindle.reset();
-    h.clamp.reset();
-    h.headFace.reset();
-    h.index.reset();
-    h.interlock.reset();
-    h.service.reset();
+    forEachReleasedHandle(h, [](auto& handle) { handle.reset(); });
 }
 
 } // namespace vss
