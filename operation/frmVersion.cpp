@@ -51,7 +51,7 @@ bool isLeaving(const QEvent* event) {
 
 } // namespace
 
-frmVersion::frmVersion(QWidget* parent, bool factoryMode) : Form(parent), factoryMode_(factoryMode) {
+frmVersion::frmVersion(QWidget* parent, bool factoryMode) : CommandForm(parent), factoryMode_(factoryMode) {
     setClientSizeTwips(5430, 2640);
     newLabel(this, "lblHwRevision", QStringLiteral("Hardware Revision"), 120, 165, 2295, 255);
     txtHwRevision_ = newTextBox(this, "txtHwRevision", 2520, 120, 2775, 315, !factoryMode_);
@@ -112,17 +112,15 @@ bool frmVersion::eventFilter(QObject* watched, QEvent* event) {
 void frmVersion::enterText(const EditableText& text) {
     text.box->setModified(false); // leaving the box while the window is busy writes nothing more
     const std::string typed = text.box->text().toStdString();
-    if (runBusy([&] { text.write(typed); }))
-        trapErrors([&] { text.box->setText(qtext(text.read())); });
+    command([&] { text.write(typed); }, [&] { text.box->setText(qtext(text.read())); });
 }
 
 void frmVersion::cmdSave_Click() {
-    runBusy([] { handles().service->SaveVersionData(); });
+    command([] { handles().service->SaveVersionData(); });
 }
 
 void frmVersion::cmdRecall_Click() {
-    if (runBusy([] { handles().service->RecallVersionData(); }))
-        trapErrors([this] { refresh(); });
+    command([] { handles().service->RecallVersionData(); }, [this] { refresh(); });
 }
 
 } // namespace vss

@@ -5,7 +5,7 @@
 // hardware revision and the serial number are edited through the service interface, each written when Enter
 // is pressed in its box or when the edited box is left, and Save and Recall store and reload the version data.
 
-#include "app/Form.h"
+#include "operation/CommandForm.h"
 
 #include <functional>
 #include <string>
@@ -14,7 +14,7 @@ class QLineEdit;
 
 namespace vss {
 
-class frmVersion : public Form {
+class frmVersion : public operation::CommandForm {
     Q_OBJECT
 
 public:

@@ -1,0 +1,11 @@
+#include "operation/CommandForm.h"
+
+namespace vss::operation {
+
+bool CommandForm::command(const std::function<void()>& steps, const std::function<void()>& followUp) {
+    if (!runBusy(steps))
+        return false;
+    return !followUp || trapErrors(followUp);
+}
+
+} // namespace vss::operation

@@ -1,0 +1,40 @@
+#include "operation/OperationWindows.h"
+
+#include "operation/frmIni.h"
+#include "operation/frmIniPiezo.h"
+#include "operation/frmIniSetting.h"
+#include "operation/frmVersion.h"
+
+namespace vss {
+
+void registerOperationWindows(MenuWindows& windows) {
+    windows.operationPanel = [](QWidget* parent) { return std::make_unique<frmIni>(parent); };
+    windows.version = [](QWidget* parent) { return std::make_unique<frmVersion>(parent, true); };
+}
+
+std::vector<std::pair<QString, ScreenshotMaker>> operationScreenshots() {
+    const auto panel = [](bool directControls) {
+        return [directControls](QWidget* parent) -> std::unique_ptr<QWidget> {
+            auto w = std::make_unique<frmIni>(parent);
+            w->setDirectControlsShown(directControls);
+            return w;
+        };
+    };
+    const auto version = [](bool factoryMode) {
+        return [factoryMode](QWidget* parent) -> std::unique_ptr<QWidget> {
+            return std::make_unique<frmVersion>(parent, factoryMode);
+        };
+    };
+    return {
+        {QStringLiteral("frmIni"), panel(false)},
+        {QStringLiteral("frmIni-direct"), panel(true)},
+        {QStringLiteral("frmIniSetting"),
+         [](QWidget* parent) -> std::unique_ptr<QWidget> { return std::make_unique<frmIniSetting>(parent); }},
+        {QStringLiteral("frmIniPiezo"),
+         [](QWidget* parent) -> std::unique_ptr<QWidget> { return std::make_unique<frmIniPiezo>(parent); }},
+        {QStringLiteral("frmVersion"), version(false)},
+        {QStringLiteral("frmVersion-factory"), version(true)},
+    };
+}
+
+} // namespace vss

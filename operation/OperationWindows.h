@@ -1,0 +1,25 @@
+#pragma once
+
+// What the program needs from the operation windows: the menus' entries and the screenshot mode's scenes.
+
+#include "app/Navigation.h"
+
+#include <QString>
+#include <functional>
+#include <memory>
+#include <utility>
+#include <vector>
+
+class QWidget;
+
+namespace vss {
+
+// Sets the main menu's "Operation Check" (the operation panel) and the factory menu's "Version" (the version
+// window in factory mode).
+void registerOperationWindows(MenuWindows& windows);
+
+// The operation windows for the screenshot mode, each with its file name (without ".png").
+using ScreenshotMaker = std::function<std::unique_ptr<QWidget>(QWidget* parent)>;
+std::vector<std::pair<QString, ScreenshotMaker>> operationScreenshots();
+
+} // namespace vss

@@ -1,0 +1,30 @@
+#pragma once
+
+// The up/down spinner: two small arrow buttons, one above the other, that step something up or down. It holds
+// no value of its own.
+
+#include <QWidget>
+
+class QToolButton;
+
+namespace vss::operation {
+
+class UpDown : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit UpDown(QWidget* parent = nullptr);
+
+signals:
+    void up();
+    void down();
+
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+
+private:
+    QToolButton* up_;
+    QToolButton* down_;
+};
+
+} // namespace vss::operation
