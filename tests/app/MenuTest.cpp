@@ -167,51 +167,41 @@ public:
     }
 };
 
+// Operation Check twice in one session: the first finds the instrument uninitialized, the second initialized.
 TEST(MainMenu, OperationCheckPreparesTheInstrumentBeforeThePanelOpens) {
-    struct Case {
-        const char* name;
-        bool headLoader;
-    };
-    for (const Case c : {Case{"with head loader", true}, Case{"without head loader", false}}) {
-        SCOPED_TRACE(c.name);
+    for (const bool headLoader : {true, false}) {
+        SCOPED_TRACE(headLoader ? "with head loader" : "without head loader");
         WindowHarness harness;
-        harness.sim().setHeadLoaderPresent(c.headLoader);
+        harness.sim().setHeadLoaderPresent(headLoader);
         menuWindows().operationPanel = [](QWidget* p) { return std::make_unique<PanelStandIn>(p); };
-        std::vector<std::string> preparation;
-        bool headLoaderHeld = false;
+        std::vector<std::vector<std::string>> preparations;
+        bool headLoaderHeld = !headLoader;
         harness.runSession([&](frmOpen& menu) {
-            harness.clearTrace();
-            harness.whenActive<PanelStandIn>([&](PanelStandIn& panel) {
-                preparation = harness.trace();
-                headLoaderHeld = handles().headLoader != nullptr;
-                panel.accept();
-            });
-            WindowHarness::click(menu, "cmdInitialize");
+            for (int i = 0; i < 2; ++i) {
+                harness.clearTrace();
+                harness.whenActive<PanelStandIn>([&](PanelStandIn& panel) {
+                    preparations.push_back(harness.trace());
+                    headLoaderHeld = handles().headLoader != nullptr;
+                    panel.accept();
+                });
+                WindowHarness::click(menu, "cmdInitialize");
+            }
         });
-        ASSERT_GE(preparation.size(), 3U);
-        EXPECT_TRUE(preparation[0].starts_with("IDriver.GetState() -> ")) << preparation[0];
-        EXPECT_TRUE(preparation[1] == "IDriver.Initialize()" || preparation[1] == "IDriver.Reset()")
-            << preparation[1];
-        EXPECT_TRUE(preparation[2].starts_with("IDriverHeadLoader.GetHeadLoader()")) << preparation[2];
-        EXPECT_EQ(headLoaderHeld, c.headLoader);
+        const std::string uninitialized = "IDriver.GetState() -> " + std::to_string(state::Uninitialized);
+        ASSERT_EQ(preparations.size(), 2U);
+        for (const std::vector<std::string>& steps : preparations) {
+            ASSERT_GE(steps.size(), 2U);
+            EXPECT_TRUE(steps[0].starts_with("IDriver.GetState() -> ")) << steps[0];
+            EXPECT_EQ(steps[1], steps[0] == uninitialized ? "IDriver.Initialize()" : "IDriver.Reset()");
+        }
+        EXPECT_EQ(preparations[0][0], uninitialized) << "a newly opened instrument is uninitialized";
+        EXPECT_NE(preparations[1][0], uninitialized);
+        ASSERT_GE(preparations[0].size(), 3U);
+        EXPECT_TRUE(preparations[0][2].starts_with("IDriverHeadLoader.GetHeadLoader()"))
+            << preparations[0][2];
+        EXPECT_EQ(headLoaderHeld, headLoader);
         EXPECT_TRUE(harness.messages().empty()) << "a missing head loader is not reported";
     }
-}
-
-TEST(MainMenu, OperationCheckInitializesAnUninitializedInstrumentAndResetsOtherwise) {
-    WindowHarness harness;
-    menuWindows().operationPanel = [](QWidget* p) { return std::make_unique<PanelStandIn>(p); };
-    harness.runSession([&](frmOpen& menu) {
-        for (int i = 0; i < 2; ++i) {
-            const std::int32_t state = handles().driver->GetState();
-            harness.clearTrace();
-            harness.whenActive<PanelStandIn>([](PanelStandIn& panel) { panel.accept(); });
-            WindowHarness::click(menu, "cmdInitialize");
-            ASSERT_GE(harness.trace().size(), 2U);
-            EXPECT_EQ(harness.trace()[1],
-                      state == state::Uninitialized ? "IDriver.Initialize()" : "IDriver.Reset()");
-        }
-    });
 }
 
 } // namespace
