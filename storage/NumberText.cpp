@@ -17,14 +17,6 @@ constexpr int kPlainMaxExponent = 14;
 bool isBlank(char c) { return c == ' ' || c == '\t'; }
 bool isDigit(char c) { return c >= '0' && c <= '9'; }
 
-std::string_view trimBlanks(std::string_view s) {
-    while (!s.empty() && isBlank(s.front()))
-        s.remove_prefix(1);
-    while (!s.empty() && isBlank(s.back()))
-        s.remove_suffix(1);
-    return s;
-}
-
 // The 15 significant digits of a finite, non-zero value with trailing zeros removed, and its decimal exponent
 // (the value is 0.d1d2... * 10^(exponent + 1), i.e. d1 sits at 10^exponent).
 struct Digits {
@@ -208,6 +200,14 @@ std::optional<bool> parseBoolean(std::string_view text) {
     if (const auto number = parseNumber(s))
         return *number != 0.0;
     return std::nullopt;
+}
+
+std::string_view trimBlanks(std::string_view s) {
+    while (!s.empty() && isBlank(s.front()))
+        s.remove_prefix(1);
+    while (!s.empty() && isBlank(s.back()))
+        s.remove_suffix(1);
+    return s;
 }
 
 double roundHalfEven(double value) { return std::nearbyint(value); }

@@ -21,6 +21,9 @@ std::optional<double> parseNumber(std::string_view text);
 // "True"/"False" in any letter case, or a number (0 false, any other true). nullopt when neither.
 std::optional<bool> parseBoolean(std::string_view text);
 
+// The text without leading and trailing blanks (spaces, tabs).
+std::string_view trimBlanks(std::string_view text);
+
 // Rounds to the nearest whole number, halves to the even neighbour.
 double roundHalfEven(double value);
 

@@ -237,6 +237,15 @@ bool fileio::scanBufferedField() {
 
 // ---- typed reads
 
+bool fileio::readable() {
+    ensureOpen(Mode::Read);
+    if (failed_)
+        return false;
+    if (mode_ != Mode::Read)
+        throw FileModeError("Bad file mode: " + fileName_ + " is open for writing");
+    return true;
+}
+
 void fileio::raise(std::string_view text) {
     ++messageCount_;
     report(sink_, text, kErrorTitle, tokenPosition());
@@ -251,11 +260,8 @@ NumberOutOfRange fileio::outOfRange(std::string_view typeName) const {
 }
 
 std::string fileio::readStr() {
-    ensureOpen(Mode::Read);
-    if (failed_)
+    if (!readable())
         return {};
-    if (mode_ != Mode::Read)
-        throw FileModeError("Bad file mode: " + fileName_ + " is open for writing");
     if (pastEnd_)
         return token_;
     std::string result;
@@ -268,11 +274,8 @@ std::string fileio::readStr() {
 
 template <class T>
 T fileio::readWhole(std::string_view typeName) {
-    ensureOpen(Mode::Read);
-    if (failed_)
+    if (!readable())
         return 0;
-    if (mode_ != Mode::Read)
-        throw FileModeError("Bad file mode: " + fileName_ + " is open for writing");
     const auto number = numbertext::parseNumber(token_);
     if (!number) {
         raise("Not Numeric Value(" + std::string(typeName) + ").");
@@ -290,11 +293,8 @@ std::int16_t fileio::readInt() { return readWhole<std::int16_t>("Integer"); }
 std::int32_t fileio::readLng() { return readWhole<std::int32_t>("Long"); }
 
 double fileio::readDbl() {
-    ensureOpen(Mode::Read);
-    if (failed_)
+    if (!readable())
         return 0.0;
-    if (mode_ != Mode::Read)
-        throw FileModeError("Bad file mode: " + fileName_ + " is open for writing");
     const auto number = numbertext::parseNumber(token_);
     if (!number) {
         raise("Not Numeric Value(Double).");
@@ -309,11 +309,8 @@ double fileio::readDbl() {
 bool fileio::isBoolean(std::string_view text) { return numbertext::parseBoolean(text).has_value(); }
 
 bool fileio::readFlg() {
-    ensureOpen(Mode::Read);
-    if (failed_)
+    if (!readable())
         return false;
-    if (mode_ != Mode::Read)
-        throw FileModeError("Bad file mode: " + fileName_ + " is open for writing");
     if (!isBoolean(token_)) {
         raise("Not Boolean Value.");
         return false;
@@ -324,11 +321,8 @@ bool fileio::readFlg() {
 }
 
 bool fileio::endOfFile() {
-    ensureOpen(Mode::Read);
-    if (failed_)
+    if (!readable())
         return true;
-    if (mode_ != Mode::Read)
-        throw FileModeError("Bad file mode: " + fileName_ + " is open for writing");
     return atEnd();
 }
 

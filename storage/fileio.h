@@ -92,6 +92,7 @@ private:
             openFile(mode);
     }
     void nextToken();
+    bool readable(); // opens for reading; false when the file could not be opened
     static bool isBoolean(std::string_view text);
 
     // Field reading.

@@ -1,5 +1,6 @@
 #include "storage/modConfigFile.h"
 
+#include "storage/NumberText.h"
 #include "storage/Sections.h"
 
 #include <array>
@@ -12,14 +13,6 @@ namespace {
 
 constexpr std::string_view kHeaderRule = "#################################";
 constexpr std::string_view kTitleRule = "================================";
-
-std::string_view trimBlanks(std::string_view s) {
-    while (!s.empty() && (s.front() == ' ' || s.front() == '\t'))
-        s.remove_prefix(1);
-    while (!s.empty() && (s.back() == ' ' || s.back() == '\t'))
-        s.remove_suffix(1);
-    return s;
-}
 
 const std::array<GroupDef, 11>& groups() {
     static const std::array<GroupDef, 11> table{{
@@ -100,7 +93,7 @@ void ReadSettingFile(fileio& io, const DriverHandles& handles, int groupCode, Se
     SectionInput input{io, handles, target, sink};
     while (!io.endOfFile()) {
         const std::string field = io.readStr();
-        const SectionDef* section = findSection(trimBlanks(field));
+        const SectionDef* section = findSection(numbertext::trimBlanks(field));
         if (section != nullptr && section->read != nullptr && section->importedBy(groupCode))
             section->read(input);
     }
