@@ -11,6 +11,7 @@
 #include "operation/frmVersion.h"
 
 #include <QComboBox>
+#include <QKeyEvent>
 #include <QMouseEvent>
 #include <optional>
 
@@ -180,6 +181,10 @@ void frmIni::build() {
     connect(cmdHeadLoaderUp, &QPushButton::clicked, this, [this] { setHeadLoader(false); });
     connect(cmbStateAtHome_, &QComboBox::activated, this, &frmIni::cmbStateAtHome_Click);
     connect(usrRpm_, &userText::ChangeValue, this, &frmIni::usrRpm_ChangeValue);
+    if (auto* rpmBox = usrRpm_->findChild<QLineEdit*>()) {
+        connect(rpmBox, &QLineEdit::textEdited, this, [this] { rpmTyped_ = true; });
+        rpmBox->installEventFilter(this);
+    }
     connect(updnRpm, &UpDown::down, this, [this] { stepSpeed(-1); });
     connect(updnRpm, &UpDown::up, this, [this] { stepSpeed(+1); });
     connect(cmdReset, &QPushButton::clicked, this, &frmIni::cmdReset_Click);
@@ -401,11 +406,22 @@ void frmIni::cmbStateAtHome_Click(int index) {
     command([code] { handles().driver->SetHomeState(code); });
 }
 
-// The typed speed goes to the instrument as it is: the instrument decides whether it can run at it.
+// A speed typed and committed goes to the instrument as it is: the instrument decides whether it can run at
+// it. Enter sends the speed even when it was not edited; passing through the field sends nothing.
 void frmIni::usrRpm_ChangeValue() {
-    if (isBusy()) // the field gives up the focus when the panel turns busy: that commit is this one
+    if (isBusy() || !rpmTyped_) // the field gives up the focus when the panel turns busy: that commit is this one
         return;
+    rpmTyped_ = false;
     command([this] { applySpeed(usrRpm_->Value().int32()); });
+}
+
+bool frmIni::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::KeyPress) {
+        const int key = static_cast<QKeyEvent*>(event)->key();
+        if (key == Qt::Key_Return || key == Qt::Key_Enter)
+            rpmTyped_ = true;
+    }
+    return CommandForm::eventFilter(watched, event);
 }
 
 // The stepped speed comes from the speed list, searched for the instrument's speed, within its range.

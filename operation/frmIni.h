@@ -51,6 +51,7 @@ public:
 
 protected:
     void mousePressEvent(QMouseEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
     void onUnload() override;
 
 private:
@@ -88,6 +89,7 @@ private:
 
     QTimer tmrUpdate_;
     std::array<double, 3> posRadius_{}; // Pos1Radius..Pos3Radius, metres
+    bool rpmTyped_ = false;             // a speed was typed, or Enter pressed, since the last one sent
 
     userText* usrRpm_ = nullptr;
     userText* usrRpmMin_ = nullptr;
