@@ -16,23 +16,28 @@ void setTextBoxLocked(QLineEdit* box, bool locked) {
     showLockedBackground(box, locked);
 }
 
-userProperty* newProperty(QWidget* parent, const char* name, int left, int top, int width, int height,
-                          const FieldLook& look) {
-    auto* field = put(new userProperty(parent), name, left, top, width, height);
-    field->setCaption(look.caption);
+namespace {
+
+// Both value controls take the unit, the scale and the lock alike.
+template <class Field> Field* withLook(Field* field, const FieldLook& look) {
     field->setOptStr(look.unit);
     field->setDblScale(look.scale);
     field->setLocked(look.locked);
     return field;
 }
 
+} // namespace
+
+userProperty* newProperty(QWidget* parent, const char* name, int left, int top, int width, int height,
+                          const FieldLook& look) {
+    auto* field = put(new userProperty(parent), name, left, top, width, height);
+    field->setCaption(look.caption);
+    return withLook(field, look);
+}
+
 userText* newValueField(QWidget* parent, const char* name, int left, int top, int width, int height,
                         const FieldLook& look) {
-    auto* field = put(new userText(parent), name, left, top, width, height);
-    field->setOptStr(look.unit);
-    field->setDblScale(look.scale);
-    field->setLocked(look.locked);
-    return field;
+    return withLook(put(new userText(parent), name, left, top, width, height), look);
 }
 
 void showText(QLineEdit* box, const QString& text) {

@@ -34,8 +34,8 @@ inline QPushButton* newButton(QWidget* parent, const char* name, const QString& 
     return button;
 }
 
-inline QLabel* newLabel(QWidget* parent, const char* name, const QString& caption, int left, int top, int width,
-                        int height) {
+inline QLabel* newLabel(QWidget* parent, const char* name, const QString& caption, int left, int top,
+                        int width, int height) {
     return put(new QLabel(caption, parent), name, left, top, width, height);
 }
 

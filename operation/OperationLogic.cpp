@@ -29,7 +29,9 @@ std::string_view stateText(std::int32_t code) {
     }
 }
 
-bool positionButtonsEnabled(std::int32_t stateCode) { return stateCode == state::Loaded; }
+bool positionButtonsEnabled(std::int32_t stateCode) {
+    return stateCode == state::Loaded;
+}
 
 SpindleStateTexts spindleStateTexts(std::int32_t code) {
     switch (static_cast<std::int16_t>(code)) {
@@ -65,13 +67,15 @@ std::int32_t speedAtIndex(std::span<const std::int32_t> list, std::int16_t& inde
     return speed;
 }
 
-std::int32_t stepSpeed(std::span<const std::int32_t> list, std::int32_t current, SpeedRange range, int direction) {
+std::int32_t stepSpeed(std::span<const std::int32_t> list, std::int32_t current, SpeedRange range,
+                       int direction) {
     auto index = static_cast<std::int16_t>(indexOfSpeed(list, current) + (direction < 0 ? -1 : 1));
     return speedAtIndex(list, index, range);
 }
 
 PositionDefaults positionDefaults(double innerRadius, double outerRadius) {
-    return {innerRadius + 0.00305, innerRadius + (outerRadius - innerRadius) * (1.0 / 2.0), outerRadius - 0.00305};
+    return {innerRadius + 0.00305, innerRadius + (outerRadius - innerRadius) * (1.0 / 2.0),
+            outerRadius - 0.00305};
 }
 
 } // namespace vss::operation

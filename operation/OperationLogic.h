@@ -33,14 +33,16 @@ inline constexpr SpeedRange kDefaultSpeedRange{4000, 8000};
 // is not in the list therefore steps from the next larger entry.
 std::int16_t indexOfSpeed(std::span<const std::int32_t> list, std::int32_t speed);
 
-// The speed for a stepped index: an index past the end is cut back to the last one (and the caller's index with
-// it); an index before the start gives 0; the result is then brought into the range.
+// The speed for a stepped index: an index past the end is cut back to the last one (and the caller's index
+// with it); an index before the start gives 0; the result is then brought into the range.
 std::int32_t speedAtIndex(std::span<const std::int32_t> list, std::int16_t& index, SpeedRange range);
 
 // The next speed down or up from `current` in the list, within the range.
-std::int32_t stepSpeed(std::span<const std::int32_t> list, std::int32_t current, SpeedRange range, int direction);
+std::int32_t stepSpeed(std::span<const std::int32_t> list, std::int32_t current, SpeedRange range,
+                       int direction);
 
-// Default radii (m) of Pos1-Pos3 from the inner and outer measurement radii: 3.05 mm inside each end and the middle.
+// Default radii (m) of Pos1-Pos3 from the inner and outer measurement radii: 3.05 mm inside each end and the
+// middle.
 struct PositionDefaults {
     double pos1 = 0.0;
     double pos2 = 0.0;

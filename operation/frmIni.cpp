@@ -50,10 +50,12 @@ userProperty* radiusField(QWidget* frame, const char* name, int top, const QStri
     return field;
 }
 
-// A labelled read-only text box of the status frames.
-QLineEdit* statusBox(QWidget* frame, const char* labelName, const QString& label, const char* name, int top) {
-    newLabel(frame, labelName, label, 120, top + 30, 1500, 255);
-    return newTextBox(frame, name, 1680, top, 1560, 300, true);
+// A labelled read-only text box of the status frames; the box starts at boxLeft and ends 120 twips inside
+// the frame.
+QLineEdit* statusBox(QWidget* frame, const char* labelName, const QString& label, const char* name, int top,
+                     int boxLeft) {
+    newLabel(frame, labelName, label, 120, top + 30, boxLeft - 180, 255);
+    return newTextBox(frame, name, boxLeft, top, pixelsToTwips(frame->width()) - boxLeft - 120, 300, true);
 }
 
 template <class W> FormFactory makeWindow() {
@@ -63,7 +65,8 @@ template <class W> FormFactory makeWindow() {
 } // namespace
 
 bool isDirectControlGesture(Qt::MouseButton button, Qt::KeyboardModifiers modifiers) {
-    const Qt::KeyboardModifiers held = modifiers & (Qt::ShiftModifier | Qt::ControlModifier | Qt::AltModifier);
+    const Qt::KeyboardModifiers held =
+        modifiers & (Qt::ShiftModifier | Qt::ControlModifier | Qt::AltModifier);
     return button == Qt::RightButton && held == (Qt::ShiftModifier | Qt::ControlModifier);
 }
 
@@ -81,7 +84,8 @@ frmIni::frmIni(QWidget* parent) : CommandForm(parent) {
 }
 
 void frmIni::build() {
-    QGroupBox* frmSpeed = newFrame(this, "frmSpindleSpeed", QStringLiteral("Spindle Speed"), 120, 60, 3000, 1100);
+    QGroupBox* frmSpeed =
+        newFrame(this, "frmSpindleSpeed", QStringLiteral("Spindle Speed"), 120, 60, 3000, 1100);
     usrRpm_ = newValueField(frmSpeed, "usrRpm", 120, 270, 2460, 300, {.unit = "rpm"});
     auto* updnRpm = put(new UpDown(frmSpeed), "updnRpm", 2620, 270, 255, 300);
     usrRpmMin_ = newValueField(frmSpeed, "usrRpmMin", 120, 660, 1320, 300, {.unit = "rpm", .locked = true});
@@ -91,22 +95,24 @@ void frmIni::build() {
         newFrame(this, "frmStateAtHome", QStringLiteral("Spindle Setting at Home"), 120, 1240, 3000, 700);
     cmbStateAtHome_ = put(new QComboBox(frmHome), "cmbStateAtHome", 120, 280, 2760, 315);
 
-    QGroupBox* frmInputs = newFrame(this, "frmEmergency", QStringLiteral("Emergency / Outer Cover Status"), 120,
-                                    2020, 3000, 1100);
-    txtEmergency_ = statusBox(frmInputs, "lblEmergency", QStringLiteral("Emergency"), "txtEmergency", 270);
-    txtOuterCover_ = statusBox(frmInputs, "lblOuterCover", QStringLiteral("Outer Cover"), "txtOuterCover", 660);
-    for (QLineEdit* box : {txtEmergency_, txtOuterCover_})
-        box->setGeometry(twipsRect(1380, box == txtEmergency_ ? 270 : 660, 1500, 300));
+    QGroupBox* frmInputs = newFrame(this, "frmEmergency", QStringLiteral("Emergency / Outer Cover Status"),
+                                    120, 2020, 3000, 1100);
+    txtEmergency_ =
+        statusBox(frmInputs, "lblEmergency", QStringLiteral("Emergency"), "txtEmergency", 270, 1380);
+    txtOuterCover_ =
+        statusBox(frmInputs, "lblOuterCover", QStringLiteral("Outer Cover"), "txtOuterCover", 660, 1380);
 
     QGroupBox* frmState = newFrame(this, "frmState", QStringLiteral("State"), 3240, 60, 3360, 3060);
-    txtState_ = statusBox(frmState, "lblState", QStringLiteral("State"), "txtState", 270);
-    txtSpindleState_ = statusBox(frmState, "lblSpindleState", QStringLiteral("Spindle"), "txtSpindleState", 660);
-    txtMediaChange_ =
-        statusBox(frmState, "lblMediaChange", QStringLiteral("Media Change OK?"), "txtMediaChange", 1050);
+    txtState_ = statusBox(frmState, "lblState", QStringLiteral("State"), "txtState", 270, 1680);
+    txtSpindleState_ =
+        statusBox(frmState, "lblSpindleState", QStringLiteral("Spindle"), "txtSpindleState", 660, 1680);
+    txtMediaChange_ = statusBox(frmState, "lblMediaChange", QStringLiteral("Media Change OK?"),
+                                "txtMediaChange", 1050, 1680);
     usrTrack_ = newProperty(frmState, "usrTrack", 60, 1440, 3240, 300,
                             {.caption = QStringLiteral("Track"), .unit = " ", .locked = true});
-    usrRadius_ = newProperty(frmState, "usrRadius", 60, 1830, 3240, 300,
-                             {.caption = QStringLiteral("Radius"), .unit = "mm", .scale = 0.001, .locked = true});
+    usrRadius_ =
+        newProperty(frmState, "usrRadius", 60, 1830, 3240, 300,
+                    {.caption = QStringLiteral("Radius"), .unit = "mm", .scale = 0.001, .locked = true});
     usrSkew_ = newProperty(frmState, "usrSkew", 60, 2220, 3240, 300,
                            {.caption = QStringLiteral("Skew"), .unit = "deg", .locked = true});
     usrInterlock_ = newProperty(frmState, "usrInterlock", 60, 2610, 3240, 300,
@@ -114,7 +120,8 @@ void frmIni::build() {
 
     QGroupBox* frmPosition =
         newFrame(this, "frmHeadPosition", QStringLiteral("Head Postion Control"), 6720, 60, 3120, 3060);
-    QLabel* heading = newLabel(frmPosition, "lblRadius", QStringLiteral("--- Radius ---"), 1140, 260, 1860, 255);
+    QLabel* heading =
+        newLabel(frmPosition, "lblRadius", QStringLiteral("--- Radius ---"), 1140, 260, 1860, 255);
     heading->setAlignment(Qt::AlignCenter);
     const QString blanks = QStringLiteral("  ");
     struct PositionRow {
@@ -133,8 +140,8 @@ void frmIni::build() {
         const int top = 540 + static_cast<int>(i) * 360;
         const bool loadRow = i >= 5;
         const bool posRow = i >= 2 && i < 5;
-        rowButtons[i] = newButton(frmPosition, rows[i].button, QString::fromLatin1(rows[i].caption), 120, top,
-                                  975, 300);
+        rowButtons[i] =
+            newButton(frmPosition, rows[i].button, QString::fromLatin1(rows[i].caption), 120, top, 975, 300);
         rowFields[i] = radiusField(frmPosition, rows[i].field, top, loadRow ? QString() : blanks, !posRow);
     }
     std::copy_n(rowButtons.begin(), 5, positionButtons_.begin());
@@ -150,7 +157,8 @@ void frmIni::build() {
     QPushButton* cmdVersion = newButton(this, "cmdVersion", QStringLiteral("Version"), 4485, 3240, 1335, 375);
     QPushButton* cmdReturn = newButton(this, "cmdReturn", QStringLiteral("Return"), 8505, 3240, 1335, 375);
 
-    frmSpindleState_ = newFrame(this, "frmSpindleState", QStringLiteral("Spindle State"), 120, 4080, 4240, 1140);
+    frmSpindleState_ =
+        newFrame(this, "frmSpindleState", QStringLiteral("Spindle State"), 120, 4080, 4240, 1140);
     txtClamp_ = newTextBox(frmSpindleState_, "txtClamp", 120, 300, 1500, 300, true);
     txtMotor_ = newTextBox(frmSpindleState_, "txtMotor", 120, 720, 1500, 300, true);
     QPushButton* cmdSpindleRun =
@@ -167,13 +175,17 @@ void frmIni::build() {
     QPushButton* cmdHeadLoaderDn =
         newButton(frmHeadLoader_, "cmdHeadLoaderDn", QStringLiteral("Dn (load)"), 1440, 700, 1440, 375);
 
-    connect(rowButtons[0], &QPushButton::clicked, this, [this] { moveToMeasurementPosition(stopper::Inner); });
-    connect(rowButtons[1], &QPushButton::clicked, this, [this] { moveToMeasurementPosition(stopper::Outer); });
+    connect(rowButtons[0], &QPushButton::clicked, this,
+            [this] { moveToMeasurementPosition(stopper::Inner); });
+    connect(rowButtons[1], &QPushButton::clicked, this,
+            [this] { moveToMeasurementPosition(stopper::Outer); });
     for (int i = 0; i < 3; ++i)
         connect(rowButtons[static_cast<std::size_t>(i) + 2], &QPushButton::clicked, this,
                 [this, i] { moveToPos(i); });
-    connect(rowButtons[5], &QPushButton::clicked, this, [this] { command([] { handles().driver->Load(); }); });
-    connect(rowButtons[6], &QPushButton::clicked, this, [this] { command([] { handles().driver->Unload(); }); });
+    connect(rowButtons[5], &QPushButton::clicked, this,
+            [this] { command([] { handles().driver->Load(); }); });
+    connect(rowButtons[6], &QPushButton::clicked, this,
+            [this] { command([] { handles().driver->Unload(); }); });
     connect(cmdSpindleRun, &QPushButton::clicked, this, &frmIni::spindleRun);
     connect(cmdSpindleStop, &QPushButton::clicked, this, &frmIni::spindleStandby);
     connect(cmdSpindleOff, &QPushButton::clicked, this, &frmIni::spindleOff);
@@ -284,7 +296,8 @@ void frmIni::refreshSpindleState() {
     const std::optional<std::int32_t> code =
         readOr([] { return std::optional<std::int32_t>(handles().service->GetSpindleState()); },
                std::optional<std::int32_t>());
-    const operation::SpindleStateTexts texts = code ? operation::spindleStateTexts(*code) : operation::SpindleStateTexts{};
+    const operation::SpindleStateTexts texts =
+        code ? operation::spindleStateTexts(*code) : operation::SpindleStateTexts{};
     showText(txtSpindleState_, text(texts.state));
     showText(txtMediaChange_, text(texts.mediaChange));
 }
@@ -301,11 +314,13 @@ void frmIni::refreshHeadLoader() {
 }
 
 void frmIni::refreshMotor() {
-    showText(txtMotor_, handles().spindle->GetMotor() ? QStringLiteral("Motor On") : QStringLiteral("Motor Off"));
+    showText(txtMotor_,
+             handles().spindle->GetMotor() ? QStringLiteral("Motor On") : QStringLiteral("Motor Off"));
 }
 
 void frmIni::refreshClamp() {
-    showText(txtClamp_, handles().clamp->GetClamp() ? QStringLiteral("Clamp On") : QStringLiteral("Clamp Off"));
+    showText(txtClamp_,
+             handles().clamp->GetClamp() ? QStringLiteral("Clamp On") : QStringLiteral("Clamp Off"));
 }
 
 void frmIni::refreshSpeed() {
@@ -409,7 +424,8 @@ void frmIni::cmbStateAtHome_Click(int index) {
 // A speed typed and committed goes to the instrument as it is: the instrument decides whether it can run at
 // it. Enter sends the speed even when it was not edited; passing through the field sends nothing.
 void frmIni::usrRpm_ChangeValue() {
-    if (isBusy() || !rpmTyped_) // the field gives up the focus when the panel turns busy: that commit is this one
+    if (isBusy() ||
+        !rpmTyped_) // the field gives up the focus when the panel turns busy: that commit is this one
         return;
     rpmTyped_ = false;
     command([this] { applySpeed(usrRpm_->Value().int32()); });

@@ -17,8 +17,9 @@ frmIniPiezo::frmIniPiezo(QWidget* parent) : Form(parent) {
         newFrame(this, "frmResolutionCoef", QStringLiteral("Resolution Coef"), 120, 900, 3855, 1380);
     usrResolution_ = newProperty(frmResolutionCoef, "usrResolution", 120, 300, 3615, 300,
                                  {.caption = QStringLiteral("Resolution"), .locked = true});
-    usrRadius_ = newProperty(frmResolutionCoef, "usrRadius", 120, 660, 3615, 300,
-                             {.caption = QStringLiteral("Radius"), .unit = "mm", .scale = 0.001, .locked = true});
+    usrRadius_ =
+        newProperty(frmResolutionCoef, "usrRadius", 120, 660, 3615, 300,
+                    {.caption = QStringLiteral("Radius"), .unit = "mm", .scale = 0.001, .locked = true});
     usrSkew_ = newProperty(frmResolutionCoef, "usrSkew", 120, 1020, 3615, 300,
                            {.caption = QStringLiteral("Skew"), .unit = "deg", .locked = true});
     QPushButton* cmdReturn = newButton(this, "cmdReturn", QStringLiteral("Return"), 3000, 2400, 975, 375);

@@ -29,7 +29,8 @@ frmIniSetting::frmIniSetting(QWidget* parent) : CommandForm(parent) {
 }
 
 void frmIniSetting::build() {
-    QGroupBox* frmLoadMethod = newFrame(this, "frmLoadMethod", QStringLiteral("Load Method"), 120, 60, 3600, 700);
+    QGroupBox* frmLoadMethod =
+        newFrame(this, "frmLoadMethod", QStringLiteral("Load Method"), 120, 60, 3600, 700);
     cmbLoadMethod_ = put(new QComboBox(frmLoadMethod), "cmbLoadMethod", 120, 280, 3360, 315);
 
     QGroupBox* frmLoadPosition =
@@ -39,7 +40,8 @@ void frmIniSetting::build() {
     QGroupBox* frmLoad = newFrame(frmLoadPosition, "frmLoad", QStringLiteral("Load"), 60, 240, 3480, 900);
     usrLoadRadius_ = newProperty(frmLoad, "usrLoadRadius", 60, 240, 3360, 300, radius);
     usrLoadSkew_ = newProperty(frmLoad, "usrLoadSkew", 60, 580, 3360, 300, skew);
-    QGroupBox* frmUnload = newFrame(frmLoadPosition, "frmUnload", QStringLiteral("Unload"), 60, 1200, 3480, 900);
+    QGroupBox* frmUnload =
+        newFrame(frmLoadPosition, "frmUnload", QStringLiteral("Unload"), 60, 1200, 3480, 900);
     usrUnloadRadius_ = newProperty(frmUnload, "usrUnloadRadius", 60, 240, 3360, 300, radius);
     usrUnloadSkew_ = newProperty(frmUnload, "usrUnloadSkew", 60, 580, 3360, 300, skew);
     QPushButton* cmdLoadPosition =
@@ -50,21 +52,25 @@ void frmIniSetting::build() {
     QGroupBox* frmDataArea = newFrame(this, "frmDataArea", QStringLiteral("Data Area"), 3840, 60, 3600, 2160);
     usrInnerRadius_ = row(frmDataArea, "usrInnerRadius", 300,
                           {.caption = QStringLiteral("Inner Radius"), .unit = "mm", .scale = 0.001});
-    usrMaxTrack_ = row(frmDataArea, "usrMaxTrack", 660, {.caption = QStringLiteral("Max Track #"), .unit = " "});
+    usrMaxTrack_ =
+        row(frmDataArea, "usrMaxTrack", 660, {.caption = QStringLiteral("Max Track #"), .unit = " "});
     usrPitch_ = row(frmDataArea, "usrPitch", 1020,
                     {.caption = QStringLiteral("Track Pitch"), .unit = "um", .scale = 0.000001});
-    usrOuterRadius_ = row(frmDataArea, "usrOuterRadius", 1380,
-                          {.caption = QStringLiteral("Outer Radius"), .unit = "mm", .scale = 0.001, .locked = true});
-    QPushButton* cmdDataArea = newButton(frmDataArea, "cmdDataArea", QStringLiteral("Set"), 1260, 1740, 1095, 315);
+    usrOuterRadius_ =
+        row(frmDataArea, "usrOuterRadius", 1380,
+            {.caption = QStringLiteral("Outer Radius"), .unit = "mm", .scale = 0.001, .locked = true});
+    QPushButton* cmdDataArea =
+        newButton(frmDataArea, "cmdDataArea", QStringLiteral("Set"), 1260, 1740, 1095, 315);
     QPushButton* cmdDataAreaReset =
         newButton(frmDataArea, "cmdDataAreaReset", QStringLiteral("Reset"), 2400, 1740, 1095, 315);
 
-    QGroupBox* frmRestriction =
-        newFrame(this, "frmDiskSizeRestriction", QStringLiteral("DiskSizeRestriction"), 3840, 2280, 3600, 640);
+    QGroupBox* frmRestriction = newFrame(this, "frmDiskSizeRestriction",
+                                         QStringLiteral("DiskSizeRestriction"), 3840, 2280, 3600, 640);
     chkDiskSizeRestrictionOn_ = put(new QCheckBox(QStringLiteral("Restriction OFF"), frmRestriction),
                                     "chkDiskSizeRestrictionOn", 120, 260, 3360, 300);
 
-    QGroupBox* frmDiskSize = newFrame(this, "frmDiskSize", QStringLiteral("Disk Size"), 3840, 3000, 3600, 1040);
+    QGroupBox* frmDiskSize =
+        newFrame(this, "frmDiskSize", QStringLiteral("Disk Size"), 3840, 3000, 3600, 1040);
     const FieldLook diskSize{.unit = "mm", .scale = 0.001, .locked = true};
     newLabel(frmDiskSize, "lblDiskSizeMin", QStringLiteral("Min"), 120, 310, 1500, 255);
     usrDiskSizeMin_ = newValueField(frmDiskSize, "usrDiskSizeMin", 1680, 280, 1800, 300, diskSize);
@@ -88,14 +94,18 @@ void frmIniSetting::build() {
 
     connect(cmbLoadMethod_, &QComboBox::activated, this, &frmIniSetting::cmbLoadMethod_Click);
     connect(cmdLoadPosition, &QPushButton::clicked, this, &frmIniSetting::cmdLoadPosition_Click);
-    connect(cmdLoadPositionReset, &QPushButton::clicked, this, [this] { command([this] { refreshLoadPosition(); }); });
+    connect(cmdLoadPositionReset, &QPushButton::clicked, this,
+            [this] { command([this] { refreshLoadPosition(); }); });
     connect(cmdDataArea, &QPushButton::clicked, this, &frmIniSetting::cmdDataArea_Click);
-    connect(cmdDataAreaReset, &QPushButton::clicked, this, [this] { command([this] { refreshDataArea(); }); });
+    connect(cmdDataAreaReset, &QPushButton::clicked, this,
+            [this] { command([this] { refreshDataArea(); }); });
     // The outer radius follows every committed edit of the data area at once, before anything is sent.
     for (userProperty* field : {usrInnerRadius_, usrMaxTrack_, usrPitch_})
         connect(field, &userProperty::ChangeValue, this, &frmIniSetting::updateOuterRadius);
-    connect(chkDiskSizeRestrictionOn_, &QCheckBox::clicked, this, &frmIniSetting::chkDiskSizeRestrictionOn_Click);
-    connect(cmdExport, &QPushButton::clicked, this, [this] { exportSettingGroup(*this, SettingGroup::Setting); });
+    connect(chkDiskSizeRestrictionOn_, &QCheckBox::clicked, this,
+            &frmIniSetting::chkDiskSizeRestrictionOn_Click);
+    connect(cmdExport, &QPushButton::clicked, this,
+            [this] { exportSettingGroup(*this, SettingGroup::Setting); });
     connect(cmdImport, &QPushButton::clicked, this, &frmIniSetting::cmdImport_Click);
     connect(cmdReturn, &QPushButton::clicked, this, &Form::accept);
 }
@@ -132,7 +142,8 @@ void frmIniSetting::refreshMisc() {
     const DriverHandles& h = handles();
     txtFace_->setText(h.headFace->GetFace() == 1 ? QStringLiteral("DOWN") : QStringLiteral("UP"));
     txtSpindle_->setText(h.spindle->GetRotation() == 1 ? QStringLiteral("CCW") : QStringLiteral("CW"));
-    txtIndexPolarity_->setText(h.index->GetIndexPolarity() ? QStringLiteral("Rising") : QStringLiteral("Falling"));
+    txtIndexPolarity_->setText(h.index->GetIndexPolarity() ? QStringLiteral("Rising")
+                                                           : QStringLiteral("Falling"));
     usrFinePositionLimit_->setValue(h.driver->GetFinePositionLimit());
     const DoubleRange limit = h.driver->GetDiskSizeLimit();
     usrDiskSizeMin_->setValue(limit.min);
@@ -152,7 +163,8 @@ void frmIniSetting::refreshLoadPosition() {
 }
 
 void frmIniSetting::refreshLoadMethod() {
-    cmbLoadMethod_->setCurrentIndex(cmbLoadMethod_->findData(static_cast<int>(handles().driver->GetLoadMethod())));
+    cmbLoadMethod_->setCurrentIndex(
+        cmbLoadMethod_->findData(static_cast<int>(handles().driver->GetLoadMethod())));
 }
 
 void frmIniSetting::cmbLoadMethod_Click(int index) {

@@ -3,7 +3,8 @@
 // The version window: hardware revision, serial number, firmware and driver revision of the instrument. In
 // normal mode it only reads, through the main interface. In factory mode (opened from the factory menu) the
 // hardware revision and the serial number are edited through the service interface, each written when Enter
-// is pressed in its box or when the edited box is left, and Save and Recall store and reload the version data.
+// is pressed in its box or when the edited box is left, and Save and Recall store and reload the version
+// data.
 
 #include "operation/CommandForm.h"
 

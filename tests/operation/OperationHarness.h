@@ -66,8 +66,8 @@ inline std::vector<std::string> withoutPolling(const std::vector<std::string>& l
 // A command's own calls: the trace up to the status refresh that follows every command.
 inline std::vector<std::string> commandCalls(const std::vector<std::string>& lines) {
     std::vector<std::string> kept = withoutPolling(lines);
-    const auto refresh = std::find_if(kept.begin(), kept.end(),
-                                      [](const std::string& l) { return l.starts_with("IDriver.GetState()"); });
+    const auto refresh = std::find_if(
+        kept.begin(), kept.end(), [](const std::string& l) { return l.starts_with("IDriver.GetState()"); });
     kept.erase(refresh, kept.end());
     return kept;
 }

@@ -35,8 +35,8 @@ bool enabled(QWidget& panel, const char* name) {
 void expectUsable(frmIni& panel, bool loaded) {
     for (QWidget* c : panel.controls()) {
         const std::string name = c->objectName().toStdString();
-        const bool positionButton = std::find(std::begin(kPositionButtons), std::end(kPositionButtons), name) !=
-                                    std::end(kPositionButtons);
+        const bool positionButton = std::find(std::begin(kPositionButtons), std::end(kPositionButtons),
+                                              name) != std::end(kPositionButtons);
         EXPECT_EQ(c->isEnabled(), !positionButton || loaded) << name;
     }
     EXPECT_FALSE(WindowHarness::waitCursorShown());
@@ -117,7 +117,8 @@ TEST(OperationPanel, PositionButtonsAndStateTextsFollowTheStateAfterEveryCommand
         expectUsable(panel, true);
 
         WindowHarness::click(panel, "cmdUnload");
-        EXPECT_EQ(textOf(panel, "txtState"), "HOME(OFF)") << "unloading brings the spindle to its home setting";
+        EXPECT_EQ(textOf(panel, "txtState"), "HOME(OFF)")
+            << "unloading brings the spindle to its home setting";
         expectUsable(panel, false);
 
         // The emergency stop leaves a spindle state the instrument cannot tell.
@@ -149,17 +150,30 @@ TEST(OperationPanel, SpindleCommandsSwitchClampAndMotorInTheirOrder) {
         Lines calls;
     };
     const Case cases[] = {
-        {"cmdSpindleRun", false, false,
-         {"IDriverClamp.GetClamp() -> false", "IDriverClamp.SetClamp(true)", "IDriverSpindle.GetMotor() -> false",
-          "IDriverSpindle.SetMotor(true)"}},
-        {"cmdSpindleStop", true, true,
-         {"IDriverSpindle.GetMotor() -> true", "IDriverSpindle.SetMotor(false)", "IDriverClamp.GetClamp() -> true"}},
-        {"cmdSpindleStop", false, false,
-         {"IDriverSpindle.GetMotor() -> false", "IDriverClamp.GetClamp() -> false", "IDriverClamp.SetClamp(true)"}},
-        {"cmdSpindleOff", true, true,
-         {"IDriverSpindle.GetMotor() -> true", "IDriverSpindle.SetMotor(false)", "IDriverClamp.GetClamp() -> true",
-          "IDriverClamp.SetClamp(false)"}},
-        {"cmdSpindleOff", false, false, {"IDriverSpindle.GetMotor() -> false", "IDriverClamp.GetClamp() -> false"}},
+        {"cmdSpindleRun",
+         false,
+         false,
+         {"IDriverClamp.GetClamp() -> false", "IDriverClamp.SetClamp(true)",
+          "IDriverSpindle.GetMotor() -> false", "IDriverSpindle.SetMotor(true)"}},
+        {"cmdSpindleStop",
+         true,
+         true,
+         {"IDriverSpindle.GetMotor() -> true", "IDriverSpindle.SetMotor(false)",
+          "IDriverClamp.GetClamp() -> true"}},
+        {"cmdSpindleStop",
+         false,
+         false,
+         {"IDriverSpindle.GetMotor() -> false", "IDriverClamp.GetClamp() -> false",
+          "IDriverClamp.SetClamp(true)"}},
+        {"cmdSpindleOff",
+         true,
+         true,
+         {"IDriverSpindle.GetMotor() -> true", "IDriverSpindle.SetMotor(false)",
+          "IDriverClamp.GetClamp() -> true", "IDriverClamp.SetClamp(false)"}},
+        {"cmdSpindleOff",
+         false,
+         false,
+         {"IDriverSpindle.GetMotor() -> false", "IDriverClamp.GetClamp() -> false"}},
     };
     WindowHarness harness;
     withPanel(harness, [&](frmIni& panel) {
@@ -277,7 +291,8 @@ TEST(OperationPanel, EveryFailingCommandShowsOneMessageAndLeavesAUsablePanel) {
             WindowHarness::click(panel, c.button);
             ASSERT_EQ(harness.messages().size(), 1U);
             EXPECT_EQ(harness.messages()[0].text, std::string(c.operation) + " refused");
-            EXPECT_TRUE(contains(harness.trace(), "IDriver.GetState()")) << "the state is refreshed all the same";
+            EXPECT_TRUE(contains(harness.trace(), "IDriver.GetState()"))
+                << "the state is refreshed all the same";
             expectUsable(panel, false);
         }
     });

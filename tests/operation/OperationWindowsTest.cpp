@@ -26,7 +26,8 @@ using testing::withPanel;
 using Lines = std::vector<std::string>;
 
 // Runs `during` with a window the panel opens with one of its buttons.
-template <class W> void fromPanel(WindowHarness& harness, const char* button, std::function<void(W&)> during) {
+template <class W>
+void fromPanel(WindowHarness& harness, const char* button, std::function<void(W&)> during) {
     withPanel(harness, [&](frmIni& panel) {
         harness.whenActive<W>([&](W& window) {
             during(window);
@@ -151,8 +152,8 @@ TEST(PiezoCheck, ReadsOnceInTwoStepsAndTakesNoInput) {
         bool serialShown;
         bool resolutionRead;
     };
-    for (const Case c : {Case{"IDriverService.GetPiezoSerial", false, true},
-                         Case{"IDriver.GetPosition", true, false}}) {
+    for (const Case c :
+         {Case{"IDriverService.GetPiezoSerial", false, true}, Case{"IDriver.GetPosition", true, false}}) {
         SCOPED_TRACE(c.failing);
         WindowHarness harness;
         withPanel(harness, [&](frmIni& panel) {

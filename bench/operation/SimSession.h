@@ -1,0 +1,49 @@
+#pragma once
+
+// An instrument session on an in-memory simulated instrument, with the process-wide handles filled the way
+// "Open" fills them, for the operation panel's benchmarks.
+
+#include "app/modGlobal.h"
+#include "driver/sim/SimInstrument.h"
+
+#include <memory>
+
+namespace vss::bench {
+
+class SimSession {
+public:
+    SimSession() {
+        setUpGlobals();
+        DriverObject& o = *object_;
+        DriverHandles& h = handles();
+        h.driver = QueryInterface<IDriver>(o);
+        h.piezo = QueryInterface<IDriverPiezo>(o);
+        h.stage = QueryInterface<IDriverStage>(o);
+        h.loadPosition = QueryInterface<IDriverLoadPosition>(o);
+        h.headLoader = QueryInterface<IDriverHeadLoader>(o);
+        h.spindle = QueryInterface<IDriverSpindle>(o);
+        h.clamp = QueryInterface<IDriverClamp>(o);
+        h.headFace = QueryInterface<IDriverHeadFace>(o);
+        h.index = QueryInterface<IDriverIndex>(o);
+        h.interlock = QueryInterface<IDriverInterlock>(o);
+        h.service = QueryInterface<IDriverService>(o);
+        h.diskSize = QueryInterface<IDriverDiskSize>(o);
+        h.driver->Open("QTB::R2208C");
+        h.service->BeginService();
+        h.driver->Initialize();
+    }
+    ~SimSession() {
+        handles().driver->Close();
+        handles() = {};
+    }
+    SimSession(const SimSession&) = delete;
+    SimSession& operator=(const SimSession&) = delete;
+
+    sim::SimInstrument& instrument() { return sim_; }
+
+private:
+    sim::SimInstrument sim_{sim::SimOptions{":memory:"}};
+    std::shared_ptr<DriverObject> object_ = sim_.createObject();
+};
+
+} // namespace vss::bench
