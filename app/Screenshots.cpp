@@ -2,7 +2,7 @@
 
 #include "app/Messages.h"
 #include "app/Navigation.h"
-#include "app/Session.h"
+#include "driver/Handles.h"
 #include "app/dlgConfigFile.h"
 #include "app/frmFac.h"
 #include "app/frmOpen.h"

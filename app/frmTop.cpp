@@ -1,6 +1,6 @@
 #include "app/frmTop.h"
 
-#include "app/Session.h"
+#include "driver/Handles.h"
 #include "app/frmOpen.h"
 #include "app/modGlobal.h"
 #include "driver/Factory.h"

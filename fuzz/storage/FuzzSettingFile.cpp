@@ -9,10 +9,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     vss::sim::SimInstrument instrument(vss::sim::SimOptions{":memory:"});
     auto object = instrument.createObject();
     vss::DriverHandles h;
-    h.driver = vss::QueryInterface<vss::IDriver>(*object);
-    h.loadPosition = vss::QueryInterface<vss::IDriverLoadPosition>(*object);
-    h.diskSize = vss::QueryInterface<vss::IDriverDiskSize>(*object);
-    h.service = vss::QueryInterface<vss::IDriverService>(*object);
+    vss::acquireHandles(*object, h);
     h.driver->Open("QTB::R2208C");
     h.service->BeginService();
 

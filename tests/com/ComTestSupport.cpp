@@ -88,18 +88,7 @@ AllocationCounts ServerInstrument::counts() {
 
 void exerciseEveryOperation(DriverObject& object) {
     DriverHandles h;
-    h.driver = QueryInterface<IDriver>(object);
-    h.piezo = QueryInterface<IDriverPiezo>(object);
-    h.stage = QueryInterface<IDriverStage>(object);
-    h.loadPosition = QueryInterface<IDriverLoadPosition>(object);
-    h.headLoader = QueryInterface<IDriverHeadLoader>(object);
-    h.spindle = QueryInterface<IDriverSpindle>(object);
-    h.clamp = QueryInterface<IDriverClamp>(object);
-    h.headFace = QueryInterface<IDriverHeadFace>(object);
-    h.index = QueryInterface<IDriverIndex>(object);
-    h.interlock = QueryInterface<IDriverInterlock>(object);
-    h.service = QueryInterface<IDriverService>(object);
-    h.diskSize = QueryInterface<IDriverDiskSize>(object);
+    acquireHandles(object, h);
     IDriver& d = *h.driver;
     IDriverService& s = *h.service;
 

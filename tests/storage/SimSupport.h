@@ -14,10 +14,7 @@ namespace vss::test {
 class SimSession {
 public:
     SimSession() : instrument_(sim::SimOptions{":memory:"}), object_(instrument_.createObject()) {
-        handles.driver = QueryInterface<IDriver>(*object_);
-        handles.loadPosition = QueryInterface<IDriverLoadPosition>(*object_);
-        handles.diskSize = QueryInterface<IDriverDiskSize>(*object_);
-        handles.service = QueryInterface<IDriverService>(*object_);
+        acquireHandles(*object_, handles);
         handles.driver->Open("QTB::R2208C");
         handles.service->BeginService();
     }

@@ -1,7 +1,7 @@
 #include "tests/support/WindowHarness.h"
 
 #include "app/Messages.h"
-#include "app/Session.h"
+#include "driver/Handles.h"
 #include "app/frmOpen.h"
 #include "app/frmTop.h"
 #include "app/modGlobal.h"

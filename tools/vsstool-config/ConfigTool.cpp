@@ -18,23 +18,6 @@ public:
     void show(std::string_view, std::string_view) override {}
 };
 
-DriverHandles acquireHandles(DriverObject& object) {
-    DriverHandles h;
-    h.driver = QueryInterface<IDriver>(object);
-    h.piezo = QueryInterface<IDriverPiezo>(object);
-    h.stage = QueryInterface<IDriverStage>(object);
-    h.loadPosition = QueryInterface<IDriverLoadPosition>(object);
-    h.headLoader = QueryInterface<IDriverHeadLoader>(object);
-    h.spindle = QueryInterface<IDriverSpindle>(object);
-    h.clamp = QueryInterface<IDriverClamp>(object);
-    h.headFace = QueryInterface<IDriverHeadFace>(object);
-    h.index = QueryInterface<IDriverIndex>(object);
-    h.interlock = QueryInterface<IDriverInterlock>(object);
-    h.diskSize = QueryInterface<IDriverDiskSize>(object);
-    h.service = QueryInterface<IDriverService>(object);
-    return h;
-}
-
 // The instrument's non-volatile memory groups behind each setting group.
 enum class Memory { Customer, Spinstand, SpindleProperty, StageProperty, PiezoData, Backlash };
 
@@ -216,7 +199,7 @@ int runTool(const CommandLine& line, std::istream& in, std::ostream& out, std::o
     DriverHandles handles;
     try {
         auto object = CreateDriverObject(kDriverProgId, options);
-        handles = acquireHandles(*object);
+        acquireHandles(*object, handles);
         handles.driver->Open(std::string(kDefaultResource));
         handles.service->BeginService();
     } catch (const std::exception& e) {

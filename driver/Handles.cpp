@@ -1,4 +1,4 @@
-#include "app/Session.h"
+#include "driver/Handles.h"
 
 namespace vss {
 namespace {
