@@ -21,6 +21,7 @@ namespace {
 // Both value controls take the unit, the scale and the lock alike.
 template <class Field> Field* withLook(Field* field, const FieldLook& look) {
     field->setOptStr(look.unit);
+    field->setOptStrWidth(look.unitWidth);
     field->setDblScale(look.scale);
     field->setLocked(look.locked);
     return field;

@@ -50,6 +50,7 @@ struct FieldLook {
     QString unit{};     // OptStr
     double scale = 1.0; // DblScale: shown = value / scale
     bool locked = false;
+    int unitWidth = 450; // OptStrWidth, twips: room for "mm", "deg", "rpm"
 };
 
 userProperty* newProperty(QWidget* parent, const char* name, int left, int top, int width, int height,

@@ -103,11 +103,11 @@ void frmIni::build() {
         statusBox(frmInputs, "lblOuterCover", QStringLiteral("Outer Cover"), "txtOuterCover", 660, 1380);
 
     QGroupBox* frmState = newFrame(this, "frmState", QStringLiteral("State"), 3240, 60, 3360, 3060);
-    txtState_ = statusBox(frmState, "lblState", QStringLiteral("State"), "txtState", 270, 1680);
+    txtState_ = statusBox(frmState, "lblState", QStringLiteral("State"), "txtState", 270, 1900);
     txtSpindleState_ =
-        statusBox(frmState, "lblSpindleState", QStringLiteral("Spindle"), "txtSpindleState", 660, 1680);
+        statusBox(frmState, "lblSpindleState", QStringLiteral("Spindle"), "txtSpindleState", 660, 1900);
     txtMediaChange_ = statusBox(frmState, "lblMediaChange", QStringLiteral("Media Change OK?"),
-                                "txtMediaChange", 1050, 1680);
+                                "txtMediaChange", 1050, 1900);
     usrTrack_ = newProperty(frmState, "usrTrack", 60, 1440, 3240, 300,
                             {.caption = QStringLiteral("Track"), .unit = " ", .locked = true});
     usrRadius_ =

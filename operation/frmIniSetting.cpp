@@ -78,14 +78,14 @@ void frmIniSetting::build() {
     usrDiskSizeMax_ = newValueField(frmDiskSize, "usrDiskSizeMax", 1680, 640, 1800, 300, diskSize);
 
     QGroupBox* frmMisc = newFrame(this, "frmMisc", QStringLiteral("Misc"), 120, 3480, 3600, 1760);
-    newLabel(frmMisc, "lblSpindle", QStringLiteral("Spindle Direction"), 120, 310, 1500, 255);
-    txtSpindle_ = newTextBox(frmMisc, "txtSpindle", 1680, 280, 1800, 300, true);
-    newLabel(frmMisc, "lblFace", QStringLiteral("Face"), 120, 670, 1500, 255);
-    txtFace_ = newTextBox(frmMisc, "txtFace", 1680, 640, 1800, 300, true);
-    newLabel(frmMisc, "lblIndexPolarity", QStringLiteral("Index Polarity"), 120, 1030, 1500, 255);
-    txtIndexPolarity_ = newTextBox(frmMisc, "txtIndexPolarity", 1680, 1000, 1800, 300, true);
-    newLabel(frmMisc, "lblFinePositionLimit", QStringLiteral("Fine Position Limit"), 120, 1390, 1500, 255);
-    usrFinePositionLimit_ = newValueField(frmMisc, "usrFinePositionLimit", 1680, 1360, 1800, 300,
+    newLabel(frmMisc, "lblSpindle", QStringLiteral("Spindle Direction"), 120, 310, 1800, 255);
+    txtSpindle_ = newTextBox(frmMisc, "txtSpindle", 1980, 280, 1500, 300, true);
+    newLabel(frmMisc, "lblFace", QStringLiteral("Face"), 120, 670, 1800, 255);
+    txtFace_ = newTextBox(frmMisc, "txtFace", 1980, 640, 1500, 300, true);
+    newLabel(frmMisc, "lblIndexPolarity", QStringLiteral("Index Polarity"), 120, 1030, 1800, 255);
+    txtIndexPolarity_ = newTextBox(frmMisc, "txtIndexPolarity", 1980, 1000, 1500, 300, true);
+    newLabel(frmMisc, "lblFinePositionLimit", QStringLiteral("Fine Position Limit"), 120, 1390, 1800, 255);
+    usrFinePositionLimit_ = newValueField(frmMisc, "usrFinePositionLimit", 1980, 1360, 1500, 300,
                                           {.unit = "um", .scale = 0.000001, .locked = true});
 
     QPushButton* cmdExport = newButton(this, "cmdExport", QStringLiteral("Export"), 120, 5340, 1215, 375);
