@@ -13,6 +13,12 @@
 #endif
 
 namespace vss {
+
+// Test names and failure messages show the group's console name instead of the struct's bytes.
+void PrintTo(const GroupDef& group, std::ostream* out) {
+    *out << group.name;
+}
+
 namespace {
 
 // The data lines of a file: what an import reads (comment lines are for the reader only).
