@@ -205,6 +205,9 @@ void frmIni::build() {
     // The panel shows the version window in normal mode.
     connect(cmdVersion, &QPushButton::clicked, this, [this] { openNeighbour(makeWindow<frmVersion>()); });
     connect(cmdReturn, &QPushButton::clicked, this, &Form::accept);
+    // The panel is for watching: it opens with the focus on "Return", not in the speed field, so that a stray
+    // key changes nothing.
+    cmdReturn->setFocus();
 }
 
 bool frmIni::directControlsShown() const {
