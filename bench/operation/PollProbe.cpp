@@ -50,7 +50,8 @@ int main(int argc, char** argv) {
     }
     window->show();
 
-    // The first second settles the window (first paint, first texts); the steady polling is measured after it.
+    // The first second settles the window (first paint, first texts); the steady polling is measured after
+    // it.
     double start = 0.0;
     QTimer::singleShot(1000, &app, [&start] { start = cpuSeconds(); });
     QTimer::singleShot(1000 + seconds * 1000, &app, &QCoreApplication::quit);

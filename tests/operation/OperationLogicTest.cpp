@@ -1,8 +1,7 @@
 #include "operation/OperationLogic.h"
 
-#include <gtest/gtest.h>
-
 #include <array>
+#include <gtest/gtest.h>
 
 using namespace vss::operation;
 
@@ -13,10 +12,9 @@ constexpr vss::SpeedRange kWide{4000, 15000};
 
 TEST(OperationState, EveryCodeHasItsTextAndUnknownCodesReadOther) {
     const std::pair<std::int32_t, std::string_view> cases[] = {
-        {0x1000, "CLOSED"},    {0x2000, "OPEN"},          {0x2100, "UNINITIALIZED"},
-        {0x2200, "INITIALIZED"}, {0x2210, "AT HOME"},     {0x2211, "HOME(OFF)"},
-        {0x2212, "HOME(STANDBY)"}, {0x2214, "HOME(RUN)"}, {0x2220, "LOADED"},
-        {0x2240, "OTHER"},     {0x3000, "OTHER"},         {0, "OTHER"}};
+        {0x1000, "CLOSED"},  {0x2000, "OPEN"},      {0x2100, "UNINITIALIZED"}, {0x2200, "INITIALIZED"},
+        {0x2210, "AT HOME"}, {0x2211, "HOME(OFF)"}, {0x2212, "HOME(STANDBY)"}, {0x2214, "HOME(RUN)"},
+        {0x2220, "LOADED"},  {0x2240, "OTHER"},     {0x3000, "OTHER"},         {0, "OTHER"}};
     for (const auto& [code, text] : cases)
         EXPECT_EQ(stateText(code), text) << std::hex << code;
 }
@@ -45,7 +43,7 @@ TEST(SpeedStepping, ASpeedNotInTheListStepsFromTheNextLargerEntry) {
 }
 
 TEST(SpeedStepping, EndsOfTheListAreLimitedByTheRange) {
-    EXPECT_EQ(stepSpeed(kSpeeds, 4000, vss::SpeedRange{4100, 15000}, -1), 4100); // index -1 gives 0, raised
+    EXPECT_EQ(stepSpeed(kSpeeds, 4000, vss::SpeedRange{4100, 15000}, -1), 4100);   // index -1 gives 0, raised
     EXPECT_EQ(stepSpeed(kSpeeds, 15000, vss::SpeedRange{4000, 14000}, +1), 14000); // index 7 cut back to 6
     EXPECT_EQ(stepSpeed(kSpeeds, 7200, vss::SpeedRange{4000, 8000}, +1), 8000);
     EXPECT_EQ(stepSpeed(kSpeeds, 20000, kWide, +1), 15000);
