@@ -1,12 +1,16 @@
 #include "app/Navigation.h"
 
+#include "operation/OperationWindows.h"
+
 namespace vss {
 
-// Each window library adds its entry here, one line each, e.g.
-//   .measurementPositions = [](QWidget* p) { auto w = std::make_unique<frmCus>(p); w->setViewOnly(false);
-//   return w; },
+// Each window library registers the windows the menus open from it, one line each.
 MenuWindows& menuWindows() {
-    static MenuWindows windows{};
+    static MenuWindows windows = [] {
+        MenuWindows w;
+        registerOperationWindows(w);
+        return w;
+    }();
     return windows;
 }
 

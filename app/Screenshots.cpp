@@ -11,12 +11,13 @@
 #include "app/modGlobal.h"
 #include "driver/sim/SimInstrument.h"
 
-#if VSS_HAVE_CONTROLS_GALLERY
 #include "controls/Gallery.h"
-#endif
+#include "operation/OperationWindows.h"
 
 #include <QApplication>
 #include <QDir>
+#include <QEventLoop>
+#include <QTimer>
 #include <QImage>
 #include <QPainter>
 #include <QPixmap>
@@ -48,30 +49,19 @@ WindowMaker mainMenuAt(int level) {
     };
 }
 
-WindowMaker fromMenu(const FormFactory& make) {
-    return [make] { return make(nullptr); };
-}
-
-// The windows to render, in order. A window of a later library comes in through the menus' table; a window
-// that no menu opens gets a line here.
+// The windows to render, in order: the shell's own, then each window library's list.
 std::vector<Scene> scenes() {
-    std::vector<Scene> list {
-        {QStringLiteral("frmTop"), window<frmTop>()}, {QStringLiteral("frmOpen-level0"), mainMenuAt(0)},
-            {QStringLiteral("frmOpen-level1"), mainMenuAt(1)},
-            {QStringLiteral("frmOpen-level2"), mainMenuAt(2)}, {QStringLiteral("frmFac"), window<frmFac>()},
-            {QStringLiteral("frmSerStageMotor"), window<frmSerStageMotor>()},
-#if VSS_HAVE_CONTROLS_GALLERY
-            {QStringLiteral("controls"),
-             [] { return std::unique_ptr<QWidget>(createControlsGallery(nullptr)); }},
-#endif
+    std::vector<Scene> list{
+        {QStringLiteral("frmTop"), window<frmTop>()},
+        {QStringLiteral("frmOpen-level0"), mainMenuAt(0)},
+        {QStringLiteral("frmOpen-level1"), mainMenuAt(1)},
+        {QStringLiteral("frmOpen-level2"), mainMenuAt(2)},
+        {QStringLiteral("frmFac"), window<frmFac>()},
+        {QStringLiteral("frmSerStageMotor"), window<frmSerStageMotor>()},
+        {QStringLiteral("controls"), [] { return std::unique_ptr<QWidget>(createControlsGallery(nullptr)); }},
     };
-    const MenuWindows& menu = menuWindows();
-    for (const FormFactory* target :
-         {&menu.operationPanel, &menu.measurementPositions, &menu.servicePanel, &menu.serviceSettings,
-          &menu.piezoAdjust, &menu.spinstandSettings, &menu.piezoSettings, &menu.version}) {
-        if (*target)
-            list.push_back({QString(), fromMenu(*target)});
-    }
+    for (auto& [name, make] : operationScreenshots())
+        list.push_back({name, [make = std::move(make)] { return make(nullptr); }});
     return list;
 }
 
@@ -105,7 +95,10 @@ QString sceneName(const Scene& scene, const QWidget& w) {
 bool render(const Scene& scene, const QDir& dir) {
     const std::unique_ptr<QWidget> w = scene.make();
     w->show();
-    QCoreApplication::processEvents();
+    // Let the windows that poll the instrument every 200 ms show their first readings.
+    QEventLoop settle;
+    QTimer::singleShot(300, &settle, &QEventLoop::quit);
+    settle.exec();
     const QString path = dir.filePath(sceneName(scene, *w) + QStringLiteral(".png"));
     const bool saved = framed(*w).save(path);
     std::fprintf(saved ? stdout : stderr, "%s %s\n", saved ? "wrote" : "could not write",
@@ -138,6 +131,7 @@ int runScreenshots(const QString& dirPath, DriverOptions options) {
         acquireHandles(*object, h);
         h.driver->Open(std::string(kDefaultResource));
         h.service->BeginService();
+        prepareOperationCheck(h); // the windows show an instrument at home, as after "Operation Check"
         for (const Scene& scene : scenes())
             ok = render(scene, dir) && ok;
         h.driver->Close();

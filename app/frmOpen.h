@@ -5,15 +5,12 @@
 // Closing the menu closes the instrument session.
 
 #include "app/Form.h"
+#include "app/Gestures.h"
 #include "driver/Handles.h"
 
 #include <Qt>
 
 namespace vss {
-
-// The hidden gestures: A is the right button, B the left button, each with exactly Shift and Ctrl held.
-enum class MenuGesture { None, A, B };
-MenuGesture menuGesture(Qt::MouseButton button, Qt::KeyboardModifiers modifiers);
 
 // Level 0 shows the operator's buttons, 1 adds the service buttons, 2 the factory buttons. A at 0 gives 1 and
 // at 1 gives 0; B at 1 gives 2 and at 2 gives 1; anything else keeps the level.

@@ -1,5 +1,6 @@
 #include "operation/frmIni.h"
 
+#include "app/Gestures.h"
 #include "app/Messages.h"
 #include "app/modGlobal.h"
 #include "controls/Twips.h"
@@ -22,7 +23,7 @@ using namespace operation;
 
 // The title bar and borders: the outer heights count them, the client area is the rest.
 constexpr int kNonClientHeightTwips = 405;
-constexpr int kClientWidthTwips = 9960;
+constexpr int kClientWidthTwips = 10260;
 
 // The spindle setting at home: text and the instrument's code, in list order.
 constexpr std::pair<const char*, std::int32_t> kStatesAtHome[] = {
@@ -64,12 +65,6 @@ template <class W> FormFactory makeWindow() {
 
 } // namespace
 
-bool isDirectControlGesture(Qt::MouseButton button, Qt::KeyboardModifiers modifiers) {
-    const Qt::KeyboardModifiers held =
-        modifiers & (Qt::ShiftModifier | Qt::ControlModifier | Qt::AltModifier);
-    return button == Qt::RightButton && held == (Qt::ShiftModifier | Qt::ControlModifier);
-}
-
 frmIni::frmIni(QWidget* parent) : CommandForm(parent) {
     setWindowTitle(appTitle() + QStringLiteral(" : Operation Check"));
     build();
@@ -102,24 +97,24 @@ void frmIni::build() {
     txtOuterCover_ =
         statusBox(frmInputs, "lblOuterCover", QStringLiteral("Outer Cover"), "txtOuterCover", 660, 1380);
 
-    QGroupBox* frmState = newFrame(this, "frmState", QStringLiteral("State"), 3240, 60, 3360, 3060);
+    QGroupBox* frmState = newFrame(this, "frmState", QStringLiteral("State"), 3240, 60, 3660, 3060);
     txtState_ = statusBox(frmState, "lblState", QStringLiteral("State"), "txtState", 270, 1900);
     txtSpindleState_ =
         statusBox(frmState, "lblSpindleState", QStringLiteral("Spindle"), "txtSpindleState", 660, 1900);
     txtMediaChange_ = statusBox(frmState, "lblMediaChange", QStringLiteral("Media Change OK?"),
                                 "txtMediaChange", 1050, 1900);
-    usrTrack_ = newProperty(frmState, "usrTrack", 60, 1440, 3240, 300,
+    usrTrack_ = newProperty(frmState, "usrTrack", 60, 1440, 3540, 300,
                             {.caption = QStringLiteral("Track"), .unit = " ", .locked = true});
     usrRadius_ =
-        newProperty(frmState, "usrRadius", 60, 1830, 3240, 300,
+        newProperty(frmState, "usrRadius", 60, 1830, 3540, 300,
                     {.caption = QStringLiteral("Radius"), .unit = "mm", .scale = 0.001, .locked = true});
-    usrSkew_ = newProperty(frmState, "usrSkew", 60, 2220, 3240, 300,
+    usrSkew_ = newProperty(frmState, "usrSkew", 60, 2220, 3540, 300,
                            {.caption = QStringLiteral("Skew"), .unit = "deg", .locked = true});
-    usrInterlock_ = newProperty(frmState, "usrInterlock", 60, 2610, 3240, 300,
+    usrInterlock_ = newProperty(frmState, "usrInterlock", 60, 2610, 3540, 300,
                                 {.caption = QStringLiteral("Status"), .locked = true});
 
     QGroupBox* frmPosition =
-        newFrame(this, "frmHeadPosition", QStringLiteral("Head Postion Control"), 6720, 60, 3120, 3060);
+        newFrame(this, "frmHeadPosition", QStringLiteral("Head Postion Control"), 7020, 60, 3120, 3060);
     QLabel* heading =
         newLabel(frmPosition, "lblRadius", QStringLiteral("--- Radius ---"), 1140, 260, 1860, 255);
     heading->setAlignment(Qt::AlignCenter);
@@ -155,7 +150,7 @@ void frmIni::build() {
     QPushButton* cmdSetting = newButton(this, "cmdSetting", QStringLiteral("Setting"), 1575, 3240, 1335, 375);
     QPushButton* cmdReset = newButton(this, "cmdReset", QStringLiteral("Reset"), 3030, 3240, 1335, 375);
     QPushButton* cmdVersion = newButton(this, "cmdVersion", QStringLiteral("Version"), 4485, 3240, 1335, 375);
-    QPushButton* cmdReturn = newButton(this, "cmdReturn", QStringLiteral("Return"), 8505, 3240, 1335, 375);
+    QPushButton* cmdReturn = newButton(this, "cmdReturn", QStringLiteral("Return"), 8805, 3240, 1335, 375);
 
     frmSpindleState_ =
         newFrame(this, "frmSpindleState", QStringLiteral("Spindle State"), 120, 4080, 4240, 1140);
@@ -221,7 +216,7 @@ void frmIni::setDirectControlsShown(bool shown) {
 }
 
 void frmIni::mousePressEvent(QMouseEvent* event) {
-    if (isDirectControlGesture(event->button(), event->modifiers()))
+    if (menuGesture(event->button(), event->modifiers()) == MenuGesture::A)
         setDirectControlsShown(!directControlsShown());
     Form::mousePressEvent(event);
 }

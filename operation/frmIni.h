@@ -24,9 +24,6 @@ namespace vss {
 class userProperty;
 class userText;
 
-// The gesture that shows and hides the direct controls: the right button with exactly Shift and Ctrl held.
-bool isDirectControlGesture(Qt::MouseButton button, Qt::KeyboardModifiers modifiers);
-
 class frmIni : public operation::CommandForm {
     Q_OBJECT
 

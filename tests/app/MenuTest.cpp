@@ -6,6 +6,7 @@
 #include "app/modGlobal.h"
 #include "controls/Twips.h"
 #include "driver/DriverError.h"
+#include "operation/frmVersion.h"
 #include "tests/support/WindowHarness.h"
 
 #include <QAbstractButton>
@@ -112,6 +113,7 @@ bool menuEnabled(frmOpen& menu) {
 TEST(MainMenu, FactoryMenuOpensModallyWithTheMainMenuDisabledBeneathIt) {
     WindowHarness harness;
     bool factoryShown = false;
+    QString versionTitle;
     harness.runSession([&](frmOpen& menu) {
         menu.setLevel(2);
         harness.whenActive<frmFac>([&](frmFac& factory) {
@@ -119,13 +121,18 @@ TEST(MainMenu, FactoryMenuOpensModallyWithTheMainMenuDisabledBeneathIt) {
             EXPECT_EQ(factory.windowTitle(), "Velkor Spinstand Tool (Factory use only)");
             EXPECT_FALSE(WindowHarness::control(menu, "cmdClose").isEnabled());
             EXPECT_FALSE(WindowHarness::waitCursorShown());
-            WindowHarness::click(factory, "cmdVersion"); // not built yet: does nothing
+            harness.whenActive<frmVersion>([&](frmVersion& version) {
+                versionTitle = version.windowTitle();
+                WindowHarness::click(version, "cmdReturn");
+            });
+            WindowHarness::click(factory, "cmdVersion");
             WindowHarness::click(factory, "cmdReturn");
         });
         WindowHarness::click(menu, "cmdFactory");
         EXPECT_TRUE(menuEnabled(menu));
     });
     EXPECT_TRUE(factoryShown);
+    EXPECT_EQ(versionTitle, "Version Data (Factory use only)"); // the factory menu opens it in factory mode
     EXPECT_TRUE(harness.messages().empty());
 }
 
