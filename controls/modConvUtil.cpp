@@ -80,8 +80,10 @@ std::string fixedPlaces(double m, int places) {
     while (lead + 1 < static_cast<std::size_t>(intDigits) && digits[lead] == '0')
         ++lead;
     std::string s = digits.substr(lead, static_cast<std::size_t>(intDigits) - lead);
-    if (places > 0)
-        s += "." + digits.substr(static_cast<std::size_t>(intDigits));
+    if (places > 0) {
+        s += '.';
+        s.append(digits, static_cast<std::size_t>(intDigits));
+    }
     return s;
 }
 
@@ -97,11 +99,13 @@ std::string FormatEngNumber(double value, std::int16_t digits) {
     const int places = placesAfterPoint(digits, order.r);
     const double m = mantissaOf(value, order.e);
 
-    std::string s = (m < 0 ? "-" : "") + fixedPlaces(m, places);
-    if (order.e > 0)
-        s += "E+" + std::to_string(order.e);
-    else if (order.e < 0)
-        s += "E" + std::to_string(order.e);
+    // Built by appending: GCC 12 warns falsely (-Wrestrict) about prepending to a temporary string.
+    std::string s = m < 0 ? "-" : "";
+    s += fixedPlaces(m, places);
+    if (order.e != 0) {
+        s += order.e > 0 ? "E+" : "E";
+        s += std::to_string(order.e);
+    }
     return s;
 }
 
