@@ -15,12 +15,14 @@ namespace vss {
 
 void TraceBuffer::write(std::string_view line) {
     std::lock_guard lock(mutex_);
+    if (lines_.size() == capacity_)
+        lines_.pop_front();
     lines_.emplace_back(line);
 }
 
 std::vector<std::string> TraceBuffer::lines() const {
     std::lock_guard lock(mutex_);
-    return lines_;
+    return {lines_.begin(), lines_.end()};
 }
 
 void TraceBuffer::clear() {

@@ -24,6 +24,7 @@
 
 #include "driver/Interfaces.h"
 
+#include <deque>
 #include <fstream>
 #include <functional>
 #include <memory>
@@ -40,16 +41,21 @@ public:
     virtual void write(std::string_view line) = 0;
 };
 
-// Keeps the lines in memory (the simulator's trace, tests).
+// Keeps the newest lines in memory (the simulator's trace, tests). The instrument is polled every 200 ms for as
+// long as a window is up, so the buffer holds at most `capacity` lines and drops the oldest beyond that.
 class TraceBuffer : public TraceSink {
 public:
+    static constexpr std::size_t kDefaultCapacity = 100000;
+
+    explicit TraceBuffer(std::size_t capacity = kDefaultCapacity) : capacity_(capacity == 0 ? 1 : capacity) {}
     void write(std::string_view line) override;
     std::vector<std::string> lines() const;
     void clear();
 
 private:
     mutable std::mutex mutex_;
-    std::vector<std::string> lines_;
+    std::size_t capacity_;
+    std::deque<std::string> lines_;
 };
 
 // Appends the lines to a file, flushed line by line so that a crash keeps what came before.

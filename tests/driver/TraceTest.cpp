@@ -26,6 +26,16 @@ TEST(TraceFormat, WritesValuesSoThatTheyReadBackTheSame) {
 
 class TraceLines : public SimTest {};
 
+TEST(TraceBuffer, KeepsTheNewestLinesUpToItsCapacity) {
+    TraceBuffer buffer(3);
+    for (const char* line : {"a", "b", "c", "d", "e"})
+        buffer.write(line);
+    EXPECT_EQ(buffer.lines(), (std::vector<std::string>{"c", "d", "e"}));
+    buffer.clear();
+    buffer.write("f");
+    EXPECT_EQ(buffer.lines(), std::vector<std::string>{"f"});
+}
+
 TEST_F(TraceLines, WriteArgumentsAndResultsOfEveryShape) {
     open();
     sim.trace().clear();
