@@ -4,6 +4,7 @@
 // "Open" fills them, for the operation panel's benchmarks.
 
 #include "app/modGlobal.h"
+#include "driver/Handles.h"
 #include "driver/sim/SimInstrument.h"
 
 #include <memory>
@@ -16,18 +17,7 @@ public:
         setUpGlobals();
         DriverObject& o = *object_;
         DriverHandles& h = handles();
-        h.driver = QueryInterface<IDriver>(o);
-        h.piezo = QueryInterface<IDriverPiezo>(o);
-        h.stage = QueryInterface<IDriverStage>(o);
-        h.loadPosition = QueryInterface<IDriverLoadPosition>(o);
-        h.headLoader = QueryInterface<IDriverHeadLoader>(o);
-        h.spindle = QueryInterface<IDriverSpindle>(o);
-        h.clamp = QueryInterface<IDriverClamp>(o);
-        h.headFace = QueryInterface<IDriverHeadFace>(o);
-        h.index = QueryInterface<IDriverIndex>(o);
-        h.interlock = QueryInterface<IDriverInterlock>(o);
-        h.service = QueryInterface<IDriverService>(o);
-        h.diskSize = QueryInterface<IDriverDiskSize>(o);
+        acquireHandles(o, h);
         h.driver->Open("QTB::R2208C");
         h.service->BeginService();
         h.driver->Initialize();
