@@ -28,6 +28,7 @@ struct SeparatorTable {
 };
 constexpr SeparatorTable kSeparator;
 
+
 } // namespace
 
 fileio::fileio(MessageSink& sink) : sink_(sink) {}
@@ -264,11 +265,8 @@ std::string fileio::readStr() {
         return {};
     if (pastEnd_)
         return token_;
-    std::string result;
-    result.swap(token_);
-    nextToken();
-    if (pastEnd_)
-        token_ = result; // nothing followed: the last field stays in the look-ahead
+    std::string result = token_;
+    nextToken(); // at the end nothing follows and the last field stays in the look-ahead
     return result;
 }
 
@@ -320,7 +318,7 @@ bool fileio::readFlg() {
     return value;
 }
 
-bool fileio::endOfFile() {
+bool fileio::endOfFileSlow() {
     if (!readable())
         return true;
     return atEnd();

@@ -58,7 +58,12 @@ public:
     std::int16_t readInt();
     std::int32_t readLng();
     std::string readStr();
-    bool endOfFile();
+    bool endOfFile() {
+        // Fast path for the common case: the file is open for reading and bytes are buffered.
+        if (file_ != nullptr && mode_ == Mode::Read && pos_ < len_)
+            return false;
+        return endOfFileSlow();
+    }
     void printStr(std::string& text);
     void print2Str(std::string_view text);
     void writeStr(std::string_view text);
@@ -92,6 +97,7 @@ private:
             openFile(mode);
     }
     void nextToken();
+    bool endOfFileSlow();
     bool readable(); // opens for reading; false when the file could not be opened
     static bool isBoolean(std::string_view text);
 
