@@ -49,7 +49,7 @@ private:
 };
 
 // Has only IDriver and IDriverService, and no error information.
-class BadObject final : public IUnknown {
+class BadObject final : public RefCounted<IUnknown> {
 public:
     explicit BadObject(Script script) : script_(std::move(script)), object_(instrument_.createObject()) {}
 
@@ -64,16 +64,8 @@ public:
                 new BadService(this, vss::QueryInterface<IDriverService>(*object_), script_));
         return *result != nullptr ? S_OK : E_NOINTERFACE;
     }
-    ULONG STDMETHODCALLTYPE AddRef() override { return ++refs_; }
-    ULONG STDMETHODCALLTYPE Release() override {
-        const ULONG left = --refs_;
-        if (left == 0)
-            delete this;
-        return left;
-    }
 
 private:
-    ULONG refs_ = 1;
     Script script_;
     sim::SimInstrument instrument_{sim::SimOptions{":memory:"}};
     std::shared_ptr<DriverObject> object_;

@@ -28,26 +28,42 @@ P& out(P* p) {
     return *p;
 }
 
-template <class I>
-class ServedBase : public RawOf<I>::type {
+// The reference count of a COM object that deletes itself when its last reference is released. Interfaces are
+// the COM interfaces it implements; the count starts at one, the reference of whoever made it.
+template <class... Interfaces>
+class RefCounted : public Interfaces... {
 public:
-    // Holds a reference to `outer` (the object) for its whole life; starts with one reference of its own.
-    ServedBase(IUnknown* outer, std::shared_ptr<I> target) : outer_(outer), target_(std::move(target)) {
-        outer_->AddRef();
-    }
-    virtual ~ServedBase() { outer_->Release(); }
-    ServedBase(const ServedBase&) = delete;
-    ServedBase& operator=(const ServedBase&) = delete;
-
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {
-        return outer_->QueryInterface(iid, object);
-    }
     ULONG STDMETHODCALLTYPE AddRef() override { return ++refs_; }
     ULONG STDMETHODCALLTYPE Release() override {
         const ULONG left = --refs_;
         if (left == 0)
             delete this;
         return left;
+    }
+
+protected:
+    RefCounted() = default;
+    virtual ~RefCounted() = default;
+    RefCounted(const RefCounted&) = delete;
+    RefCounted& operator=(const RefCounted&) = delete;
+
+private:
+    std::atomic<ULONG> refs_{1};
+};
+
+template <class I>
+class ServedBase : public RefCounted<typename RawOf<I>::type> {
+public:
+    // Holds a reference to `outer` (the object) for its whole life; starts with one reference of its own.
+    ServedBase(IUnknown* outer, std::shared_ptr<I> target) : outer_(outer), target_(std::move(target)) {
+        outer_->AddRef();
+    }
+    ~ServedBase() override { outer_->Release(); }
+    ServedBase(const ServedBase&) = delete;
+    ServedBase& operator=(const ServedBase&) = delete;
+
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {
+        return outer_->QueryInterface(iid, object);
     }
 
 protected:
@@ -74,7 +90,6 @@ protected:
 private:
     IUnknown* outer_;
     std::shared_ptr<I> target_;
-    std::atomic<ULONG> refs_{1};
 };
 
 template <class I>

@@ -41,10 +41,10 @@ std::shared_ptr<sim::SimInstrument> instrument() {
     return currentInstrument;
 }
 
-class CoDriver final : public ISupportErrorInfo, public ISimControl {
+class CoDriver final : public RefCounted<ISupportErrorInfo, ISimControl> {
 public:
     CoDriver() : instrument_(instrument()), object_(instrument_->createObject()) { ++liveObjects; }
-    ~CoDriver() { --liveObjects; }
+    ~CoDriver() override { --liveObjects; }
     CoDriver(const CoDriver&) = delete;
     CoDriver& operator=(const CoDriver&) = delete;
 
@@ -61,13 +61,6 @@ public:
             return S_OK;
         }
         return queryDriverInterface(iid, result);
-    }
-    ULONG STDMETHODCALLTYPE AddRef() override { return ++refs_; }
-    ULONG STDMETHODCALLTYPE Release() override {
-        const ULONG left = --refs_;
-        if (left == 0)
-            delete this;
-        return left;
     }
 
     HRESULT STDMETHODCALLTYPE InterfaceSupportsErrorInfo(REFIID) override { return S_OK; }
@@ -163,7 +156,6 @@ private:
         }
     }
 
-    std::atomic<ULONG> refs_{1};
     std::shared_ptr<sim::SimInstrument> instrument_;
     std::shared_ptr<DriverObject> object_;
 };
