@@ -1,9 +1,12 @@
 #include "storage/fileio.h"
 
+#include "driver/FileName.h"
 #include "storage/NumberText.h"
 
+#include <bit>
 #include <cerrno>
 #include <cmath>
+#include <cstdint>
 #include <cstring>
 #include <filesystem>
 #include <limits>
@@ -11,8 +14,6 @@
 namespace vss {
 
 namespace {
-
-constexpr std::size_t kBufferSize = 64 * 1024;
 
 bool isBlank(char c) { return c == ' ' || c == '\t'; }
 bool isSeparator(char c) { return c == ',' || c == '\r' || c == '\n'; }
@@ -28,6 +29,36 @@ struct SeparatorTable {
 };
 constexpr SeparatorTable kSeparator;
 
+// The buffer holds a sentinel line end after the buffered bytes and a word of padding after that, so that
+// findFirstOf may read whole words up to the sentinel.
+constexpr std::size_t kPadding = 1 + sizeof(std::uint64_t);
+
+// The first of the bytes a, b or c at or after p, a word at a time where the byte order allows. A byte equal to
+// a turns into a zero byte of word ^ (a in every byte); the lowest flagged zero byte is exact. The caller makes
+// sure that one of the three (the sentinel) comes before the padding ends.
+template <char a, char b, char c>
+const char* findFirstOf(const char* p) {
+    if constexpr (std::endian::native == std::endian::little) {
+        constexpr std::uint64_t ones = 0x0101010101010101ULL;
+        constexpr std::uint64_t highs = 0x8080808080808080ULL;
+        const auto zeroBytes = [](std::uint64_t v) { return (v - ones) & ~v & highs; };
+        for (;; p += sizeof(std::uint64_t)) {
+            std::uint64_t word = 0;
+            std::memcpy(&word, p, sizeof word);
+            const std::uint64_t hits = zeroBytes(word ^ (ones * static_cast<unsigned char>(a))) |
+                                       zeroBytes(word ^ (ones * static_cast<unsigned char>(b))) |
+                                       zeroBytes(word ^ (ones * static_cast<unsigned char>(c)));
+            if (hits != 0)
+                return p + std::countr_zero(hits) / 8;
+        }
+    } else {
+        while (*p != a && *p != b && *p != c)
+            ++p;
+        return p;
+    }
+}
+
+const char* findSeparator(const char* p) { return findFirstOf<',', '\r', '\n'>(p); }
 
 } // namespace
 
@@ -52,11 +83,11 @@ void fileio::setFileName(const std::string& name) {
 
 void fileio::openFile(Mode mode) {
     std::error_code ec;
-    if (std::filesystem::is_directory(fileName_, ec)) {
+    if (std::filesystem::is_directory(pathFromUtf8(fileName_), ec)) {
         errno = EISDIR;
     } else {
         errno = 0;
-        file_ = std::fopen(fileName_.c_str(), mode == Mode::Read ? "rb" : "ab");
+        file_ = fopenUtf8(fileName_, mode == Mode::Read ? "rb" : "ab");
     }
     if (file_ == nullptr) {
         failed_ = true;
@@ -67,7 +98,7 @@ void fileio::openFile(Mode mode) {
     }
     mode_ = mode;
     if (mode == Mode::Read) {
-        buffer_.resize(kBufferSize + 1);
+        buffer_.resize(kReadBufferSize + kPadding);
         pos_ = len_ = 0;
         line_ = field_ = 1;
         pastEnd_ = false;
@@ -84,7 +115,12 @@ bool fileio::fill() {
         return true;
     if (file_ == nullptr)
         return false;
-    len_ = std::fread(buffer_.data(), 1, buffer_.size() - 1, file_);
+    if (tokenInBuffer_) { // the token outlives the buffered bytes it points into
+        tokenStore_.assign(token_);
+        token_ = tokenStore_;
+        tokenInBuffer_ = false;
+    }
+    len_ = std::fread(buffer_.data(), 1, kReadBufferSize, file_);
     buffer_[len_] = '\n'; // sentinel: ends every scan at the end of the buffered bytes
     pos_ = 0;
     return len_ > 0;
@@ -122,13 +158,14 @@ void fileio::readUnquoted(std::string& out) {
 
 void fileio::readQuoted(std::string& out) {
     bool closed = false;
+    char previous = '\0'; // the byte before the scan, which may have been in the previous buffer
     while (!closed && !atEnd()) {
         const char* begin = buffer_.data() + pos_;
         const char* end = buffer_.data() + len_;
         const auto* quote = static_cast<const char*>(std::memchr(begin, '"', len_ - pos_));
         const char* stop = quote != nullptr ? quote : end;
-        for (const char* p = begin; p < stop; ++p)
-            if (*p == '\n' || (*p == '\r' && (p + 1 == end || p[1] != '\n')))
+        for (const char* p = begin; p < stop; previous = *p++)
+            if (*p == '\r' || (*p == '\n' && previous != '\r')) // a CR LF counts once, at its CR
                 ++line_;
         out.append(begin, stop);
         pos_ += static_cast<std::size_t>(stop - begin);
@@ -167,73 +204,85 @@ void fileio::nextToken() {
             pastEnd_ = true;
             return;
         }
-        if (!scanBufferedField()) {
-            readField(scratch_); // a field that runs past the buffered bytes
-            if (!scratch_.empty() && scratch_.front() != ';') {
-                token_.swap(scratch_);
-                tokenLine_ = fieldLine_;
-                tokenField_ = fieldIndex_;
-                return;
-            }
-        } else if (foundData_) {
+        if (scanBufferedFields())
+            return;
+        if (pos_ == len_)
+            continue; // the buffered bytes ended on a field boundary
+        readField(scratch_); // a field that runs past the buffered bytes
+        if (!scratch_.empty() && scratch_.front() != ';') {
+            tokenStore_.swap(scratch_);
+            token_ = tokenStore_;
+            tokenInBuffer_ = false;
+            tokenLine_ = fieldLine_;
+            tokenField_ = fieldIndex_;
             return;
         }
     }
 }
 
-// The common case, on the buffered bytes alone: a field whose separator is already in the buffer. Returns false,
-// consuming nothing, when the field runs past the buffer. A data field goes straight into the token.
-bool fileio::scanBufferedField() {
+// The common case, on the buffered bytes alone: skips empty fields and comments and takes the next data field
+// into the token. Returns false, with the read position at the start of a field, when that field's separator
+// is not yet in the buffer. Position bookkeeping stays in locals until the scan stops.
+bool fileio::scanBufferedFields() {
     const char* const base = buffer_.data();
     const char* const end = base + len_;
-    const char* start = base + pos_;
-    while (isBlank(*start))
-        ++start;
-    if (start == end)
-        return false;
-    const char* first = start; // the field's text, without quotes
-    const char* last = nullptr;
-    const char* stop = nullptr; // the separator
-    std::int64_t lineEnds = 0;
-    if (*start == '"') {
-        first = start + 1;
-        const auto* quote = static_cast<const char*>(std::memchr(first, '"', static_cast<std::size_t>(end - first)));
-        if (quote == nullptr)
-            return false;
-        for (const char* p = first; p < quote; ++p)
-            if (*p == '\n' || (*p == '\r' && p[1] != '\n'))
-                ++lineEnds;
-        last = quote;
-        stop = quote + 1;
-        while (!kSeparator[*stop]) // the sentinel after the buffered bytes stops it
-            ++stop;
-    } else {
-        stop = start;
-        while (!kSeparator[*stop])
-            ++stop;
-        last = stop;
-        while (last > first && isBlank(last[-1]))
-            --last;
+    const char* p = base + pos_;
+    std::int64_t line = line_;
+    std::int64_t field = field_;
+    bool found = false;
+    for (;;) {
+        const char* start = p;
+        while (isBlank(*start)) // the sentinel after the buffered bytes stops every scan
+            ++start;
+        if (start == end)
+            break;
+        const char* first = start; // the field's text, without quotes
+        const char* last = nullptr;
+        const char* stop = nullptr; // the separator
+        std::int64_t lineEnds = 0;
+        if (*start == '"') {
+            first = start + 1;
+            const char* quote = findFirstOf<'"', '\r', '\n'>(first);
+            for (; *quote != '"' && quote != end; quote = findFirstOf<'"', '\r', '\n'>(quote + 1))
+                if (*quote == '\n' || quote[1] != '\n') // a CR LF counts once, at its LF
+                    ++lineEnds;
+            if (quote == end)
+                break;
+            last = quote;
+            stop = findSeparator(quote + 1);
+        } else {
+            stop = findSeparator(start);
+            last = stop;
+            while (last > first && isBlank(last[-1]))
+                --last;
+        }
+        // A CR as the last buffered byte may be the first half of a CR LF: the slow path reads on.
+        if (stop == end || (*stop == '\r' && stop + 1 == end))
+            break;
+        const std::int64_t fieldLine = line;
+        const std::int64_t fieldIndex = field;
+        line += lineEnds;
+        if (*stop == ',') {
+            p = stop + 1;
+            ++field;
+        } else {
+            p = stop + (*stop == '\r' && stop[1] == '\n' ? 2 : 1);
+            ++line;
+            field = 1;
+        }
+        if (last > first && *first != ';') {
+            token_ = std::string_view(first, static_cast<std::size_t>(last - first));
+            tokenInBuffer_ = true;
+            tokenLine_ = fieldLine;
+            tokenField_ = fieldIndex;
+            found = true;
+            break;
+        }
     }
-    if (stop == end)
-        return false;
-    fieldLine_ = line_;
-    fieldIndex_ = field_;
-    line_ += lineEnds;
-    pos_ = static_cast<std::size_t>(stop - base);
-    if (*stop == ',') {
-        ++pos_;
-        ++field_;
-    } else {
-        consumeSeparator();
-    }
-    foundData_ = last > first && *first != ';';
-    if (foundData_) {
-        token_.assign(first, last);
-        tokenLine_ = fieldLine_;
-        tokenField_ = fieldIndex_;
-    }
-    return true;
+    pos_ = static_cast<std::size_t>(p - base);
+    line_ = line;
+    field_ = field;
+    return found;
 }
 
 // ---- typed reads
@@ -254,7 +303,7 @@ void fileio::raise(std::string_view text) {
 
 NumberOutOfRange fileio::outOfRange(std::string_view typeName) const {
     const FieldPosition where = tokenPosition();
-    return NumberOutOfRange("Overflow: \"" + token_ + "\" does not fit " + std::string(typeName) + " (" +
+    return NumberOutOfRange("Overflow: \"" + std::string(token_) + "\" does not fit " + std::string(typeName) + " (" +
                                 fileName_ + ", line " + std::to_string(where.line) + ", field " +
                                 std::to_string(where.field) + ")",
                             where);
@@ -263,10 +312,9 @@ NumberOutOfRange fileio::outOfRange(std::string_view typeName) const {
 std::string fileio::readStr() {
     if (!readable())
         return {};
-    if (pastEnd_)
-        return token_;
-    std::string result = token_;
-    nextToken(); // at the end nothing follows and the last field stays in the look-ahead
+    std::string result(token_);
+    if (!pastEnd_)
+        nextToken(); // at the end nothing follows and the last field stays in the look-ahead
     return result;
 }
 
@@ -377,7 +425,8 @@ void fileio::writeCrLf() { write("\r\n"); }
 
 bool fileio::fileExists(const std::string& name) {
     std::error_code ec;
-    return !name.empty() && std::filesystem::exists(name, ec) && !std::filesystem::is_directory(name, ec);
+    const std::filesystem::path path = pathFromUtf8(name);
+    return !name.empty() && std::filesystem::exists(path, ec) && !std::filesystem::is_directory(path, ec);
 }
 
 void fileio::printComment(std::string_view text) {

@@ -47,6 +47,9 @@ public:
 
 class fileio {
 public:
+    // Bytes read from the file at a time.
+    static constexpr std::size_t kReadBufferSize = 64 * 1024;
+
     explicit fileio(MessageSink& sink);
     ~fileio();
     fileio(const fileio&) = delete;
@@ -105,7 +108,7 @@ private:
     bool fill();
     bool atEnd() { return pos_ >= len_ && !fill(); }
     void readField(std::string& out);
-    bool scanBufferedField();
+    bool scanBufferedFields();
     void consumeSeparator();
     void readQuoted(std::string& out);
     void readUnquoted(std::string& out);
@@ -120,11 +123,13 @@ private:
     std::string fileName_;
     std::FILE* file_ = nullptr;
     Mode mode_ = Mode::Read;
-    std::string token_;
+    // The look-ahead field: a view of the buffered bytes while they last (tokenInBuffer_), else of tokenStore_.
+    std::string_view token_;
+    std::string tokenStore_;
+    bool tokenInBuffer_ = false;
     std::string scratch_; // the field being read, before it becomes the token
     bool failed_ = false;
     bool pastEnd_ = false;
-    bool foundData_ = false; // set by scanBufferedField
     std::int64_t messageCount_ = 0;
 
     std::vector<char> buffer_;

@@ -264,5 +264,121 @@ TEST(Fileio, HugeFieldsAndUnterminatedQuotesAreReadWhole) {
     EXPECT_TRUE(io.endOfFile());
 }
 
+// The field syntax applied the plain way, to the whole text at once: the data fields with where each starts.
+struct ModelField {
+    std::string text;
+    std::int64_t line;
+    std::int64_t field;
+    bool operator==(const ModelField&) const = default;
+    friend void PrintTo(const ModelField& f, std::ostream* os) {
+        *os << '"' << f.text << "\" at line " << f.line << ", field " << f.field;
+    }
+};
+
+std::vector<ModelField> modelFields(const std::string& bytes) {
+    std::vector<ModelField> out;
+    std::size_t i = 0;
+    std::int64_t line = 1;
+    std::int64_t field = 1;
+    const auto isSeparator = [&](std::size_t k) { return bytes[k] == ',' || bytes[k] == '\r' || bytes[k] == '\n'; };
+    while (i < bytes.size()) {
+        while (i < bytes.size() && (bytes[i] == ' ' || bytes[i] == '\t'))
+            ++i;
+        if (i == bytes.size())
+            break;
+        const std::int64_t fieldLine = line;
+        const std::int64_t fieldIndex = field;
+        std::string text;
+        if (bytes[i] == '"') {
+            const std::size_t close = bytes.find('"', i + 1);
+            const std::size_t stop = close == std::string::npos ? bytes.size() : close;
+            text = bytes.substr(i + 1, stop - i - 1);
+            for (std::size_t k = i + 1; k < stop; ++k)
+                if (bytes[k] == '\n' || (bytes[k] == '\r' && (k + 1 == bytes.size() || bytes[k + 1] != '\n')))
+                    ++line;
+            i = stop == bytes.size() ? stop : stop + 1;
+            while (i < bytes.size() && !isSeparator(i))
+                ++i;
+        } else {
+            while (i < bytes.size() && !isSeparator(i))
+                text += bytes[i++];
+            while (!text.empty() && (text.back() == ' ' || text.back() == '\t'))
+                text.pop_back();
+        }
+        if (i < bytes.size()) {
+            if (bytes[i] == ',') {
+                ++field;
+            } else {
+                if (bytes[i] == '\r' && i + 1 < bytes.size() && bytes[i + 1] == '\n')
+                    ++i;
+                ++line;
+                field = 1;
+            }
+            ++i;
+        }
+        if (!text.empty() && text.front() != ';')
+            out.push_back({text, fieldLine, fieldIndex});
+    }
+    return out;
+}
+
+// Files of several hundred kilobytes made of every kind of field, so that each kind meets the end of the read
+// buffer at every offset: every field and the place reported for it agree with the plain reading above.
+TEST(Fileio, LongFilesReadFieldForFieldAsTheSyntaxSays) {
+    ScratchDir dir;
+    const char* const pieces[] = {"5400", "-0.0125", "  padded  ", "\"quoted, with comma\"", "\"two\r\nlines\"",
+                                  "\"cr\ronly\"", "\"\"", "; comment", ";", "\"q\"dropped", "\t9.91E+37\t",
+                                  "a-longer-field-that-spans-several-words-of-the-scan"};
+    const char* const separators[] = {",", ",", ",", "\r\n", "\n", "\r", ",\r\n"};
+    for (unsigned seed = 1; seed <= 3; ++seed) {
+        std::mt19937 random(seed);
+        std::string bytes;
+        while (bytes.size() < 300 * 1024) {
+            bytes += pieces[random() % std::size(pieces)];
+            bytes += separators[random() % std::size(separators)];
+        }
+        const std::vector<ModelField> expected = modelFields(bytes);
+        RecordingSink sink;
+        fileio io(sink);
+        io.setFileName(dir.write("f.csv", bytes));
+        ASSERT_FALSE(io.endOfFile()); // opens the file and fetches the first field
+        for (std::size_t k = 0; k < expected.size(); ++k) {
+            const FieldPosition where = io.tokenPosition();
+            const ModelField read{io.readStr(), where.line, where.field};
+            ASSERT_EQ(read, expected[k]) << "seed " << seed << ", field " << k;
+        }
+        EXPECT_TRUE(io.endOfFile());
+        EXPECT_EQ(io.readStr(), expected.back().text); // and again past the end
+        EXPECT_TRUE(sink.messages.empty());
+    }
+}
+
+// Every kind of field, each starting at every offset around the end of the first read buffer.
+TEST(Fileio, FieldsThatStraddleTheReadBufferReadAsTheSyntaxSays) {
+    ScratchDir dir;
+    const std::string tail = "5400,  padded  ,\"two\r\nlines\",\"cr\ronly\"\r\n; comment, more\r"
+                             "\"q\"dropped,\t9.91E+37\t\n\"\",last,\r\n";
+    for (std::size_t offset = 0; offset <= tail.size() + 2; ++offset) {
+        // Rows of numbers, then one comment that fills up to the offset before the buffer's end.
+        std::string bytes;
+        const std::size_t fill = fileio::kReadBufferSize + 2 - offset;
+        while (bytes.size() + 16 < fill)
+            bytes += "12345,\r\n";
+        bytes += std::string(fill - bytes.size() - 2, ';') + "\r\n";
+        bytes += tail;
+        RecordingSink sink;
+        fileio io(sink);
+        io.setFileName(dir.write("f.csv", bytes));
+        ASSERT_FALSE(io.endOfFile());
+        for (const ModelField& expected : modelFields(bytes)) {
+            const FieldPosition where = io.tokenPosition();
+            const ModelField read{io.readStr(), where.line, where.field};
+            ASSERT_EQ(read, expected) << "offset " << offset;
+        }
+        EXPECT_TRUE(io.endOfFile());
+        EXPECT_EQ(io.readStr(), "last");
+    }
+}
+
 } // namespace
 } // namespace vss
