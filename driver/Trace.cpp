@@ -1,5 +1,7 @@
 #include "driver/Trace.h"
 
+#include "driver/FileName.h"
+
 #include <array>
 #include <charconv>
 #include <stdexcept>
@@ -30,7 +32,7 @@ void TraceBuffer::clear() {
     lines_.clear();
 }
 
-TraceFile::TraceFile(const std::string& path) : out_(path, std::ios::app) {
+TraceFile::TraceFile(const std::string& path) : out_(pathFromUtf8(path), std::ios::app) {
     if (!out_)
         throw std::runtime_error("Cannot open the trace file " + path + " for writing.");
 }

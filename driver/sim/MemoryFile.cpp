@@ -1,6 +1,7 @@
 #include "driver/sim/MemoryFile.h"
 
 #include "driver/DriverError.h"
+#include "driver/FileName.h"
 
 #include <filesystem>
 #include <fstream>
@@ -17,9 +18,10 @@ Settings MemoryFile::read() const {
     if (!enabled())
         return Settings::factory();
     std::error_code ec;
-    if (!fs::exists(path_, ec))
+    const fs::path path = pathFromUtf8(path_);
+    if (!fs::exists(path, ec))
         return Settings::factory();
-    std::ifstream in(path_, std::ios::binary);
+    std::ifstream in(path, std::ios::binary);
     std::ostringstream text;
     text << in.rdbuf();
     if (!in && !in.eof())
@@ -36,7 +38,7 @@ void MemoryFile::write(const Settings& settings) const {
     if (!enabled())
         return;
     read(); // refuses, by throwing, to replace a damaged file
-    const fs::path target(path_);
+    const fs::path target = pathFromUtf8(path_);
     std::error_code ec;
     if (target.has_parent_path())
         fs::create_directories(target.parent_path(), ec);
@@ -47,7 +49,7 @@ void MemoryFile::write(const Settings& settings) const {
         out << writeSettings(settings);
         out.flush();
         if (!out)
-            throw DriverError("The simulator cannot write its memory file " + temporary.string() + ".");
+            throw DriverError("The simulator cannot write its memory file " + utf8FromPath(temporary) + ".");
     }
     fs::rename(temporary, target, ec);
     if (ec) {

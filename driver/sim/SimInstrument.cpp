@@ -1,5 +1,6 @@
 #include "driver/sim/SimInstrument.h"
 
+#include "driver/FileName.h"
 #include "driver/sim/SimInterfaces.h"
 
 #include <cstdlib>
@@ -64,7 +65,7 @@ std::string SimInstrument::defaultStatePath() {
     namespace fs = std::filesystem;
     fs::path base;
 #ifdef _WIN32
-    if (const char* appData = std::getenv("APPDATA"))
+    if (const wchar_t* appData = _wgetenv(L"APPDATA"))
         base = appData;
 #else
     if (const char* xdg = std::getenv("XDG_DATA_HOME"); xdg && *xdg)
@@ -74,7 +75,7 @@ std::string SimInstrument::defaultStatePath() {
 #endif
     if (base.empty())
         base = fs::current_path();
-    return (base / "VelkorSpinstand" / "simulator-nonvolatile.txt").string();
+    return utf8FromPath(base / "VelkorSpinstand" / "simulator-nonvolatile.txt");
 }
 
 } // namespace vss::sim

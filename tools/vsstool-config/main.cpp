@@ -4,12 +4,48 @@
 #include "tools/vsstool-config/CommandLine.h"
 #include "tools/vsstool-config/ConfigTool.h"
 
+#ifdef VSS_HAVE_COM
+#include "driver/com/ComClient.h"
+#endif
+
 #include <iostream>
+#include <string>
+#include <vector>
+
+#ifdef _WIN32
+#include "driver/FileName.h"
+
+#include <windows.h>
+#include <shellapi.h>
+#endif
+
+namespace {
+
+// The arguments as UTF-8 text, the program's encoding for file names. Windows hands main its arguments in the
+// system code page, which cannot hold every name: they are taken from the wide command line instead.
+std::vector<std::string> arguments(int argc, char** argv) {
+#ifdef _WIN32
+    int count = 0;
+    if (wchar_t** wide = CommandLineToArgvW(GetCommandLineW(), &count)) {
+        std::vector<std::string> args;
+        for (int i = 1; i < count; ++i)
+            args.push_back(vss::utf8FromPath(std::filesystem::path(wide[i])));
+        LocalFree(wide);
+        SetConsoleOutputCP(CP_UTF8);
+        return args;
+    }
+#endif
+    return {argv + 1, argv + argc};
+}
+
+} // namespace
 
 int main(int argc, char** argv) {
     using namespace vss::config;
-    const std::vector<std::string> args(argv + 1, argv + argc);
-    const ParseResult parsed = parseCommandLine(args);
+#ifdef VSS_HAVE_COM
+    vss::com::InstallPlatformResolver(); // the real driver where it is installed
+#endif
+    const ParseResult parsed = parseCommandLine(arguments(argc, argv));
     if (!parsed.line) {
         std::cerr << "vsstool-config: " << parsed.error << "\n\n" << usageText();
         return 2;
