@@ -72,7 +72,7 @@ std::variant<CommandLine, int> parseCommandLine(const QStringList& arguments) {
             line.driver.trace = std::make_shared<TraceFile>(parser.value(trace).toStdString());
         } catch (const std::exception& e) {
             print(stderr, QStringLiteral("--trace %1: %2\n")
-                              .arg(parser.value(trace), QString::fromLocal8Bit(e.what())));
+                              .arg(parser.value(trace), QString::fromUtf8(e.what())));
             return 1;
         }
     }
