@@ -488,8 +488,10 @@ public:
         const std::string head = "CoDriver.QueryInterface(" + findName(iid) + ")";
         std::shared_ptr<Interface> result;
         try {
-            if (gate_)
+            if (gate_) {
+                gate_(head); // a fault injected for this interface alone
                 gate_("CoDriver.QueryInterface");
+            }
             result = inner_->QueryInterface(iid);
         } catch (const std::exception& e) {
             sink_->write(head + " !! " + oneLine(e.what()));

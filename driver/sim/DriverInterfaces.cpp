@@ -183,7 +183,12 @@ std::shared_ptr<Interface> makeInterface(const Guid& iid, const InstrumentPtr& i
 }
 
 bool isOperationName(std::string_view name) {
-    return name == "CoDriver.QueryInterface" || inTable<IDriver>(name) || inTable<IDriverPiezo>(name) ||
+    constexpr std::string_view query = "CoDriver.QueryInterface";
+    if (name.starts_with(query) && name.size() > query.size() + 2 && name[query.size()] == '(' && name.back() == ')') {
+        const std::string_view interfaceName = name.substr(query.size() + 1, name.size() - query.size() - 2);
+        return std::find(kInterfaceNames.begin(), kInterfaceNames.end(), interfaceName) != kInterfaceNames.end();
+    }
+    return name == query || inTable<IDriver>(name) || inTable<IDriverPiezo>(name) ||
            inTable<IDriverStage>(name) || inTable<IDriverLoadPosition>(name) || inTable<IDriverHeadLoader>(name) ||
            inTable<IDriverSpindle>(name) || inTable<IDriverClamp>(name) || inTable<IDriverHeadFace>(name) ||
            inTable<IDriverIndex>(name) || inTable<IDriverInterlock>(name) || inTable<IDriverDiskSize>(name) ||

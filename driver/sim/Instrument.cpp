@@ -87,7 +87,7 @@ void Instrument::gate(std::string_view operation) {
         throw DriverError(description);
     }
     if (!hw.open && operation != "IDriver.Open" && operation != "IDriver.Close" &&
-        operation != "CoDriver.QueryInterface")
+        !operation.starts_with("CoDriver.QueryInterface"))
         throw DriverError("The instrument session is not open: call Open first.");
     if (!headLoaderPresent_ && operation.starts_with("IDriverHeadLoader."))
         throw DriverError("No head loader is installed on this instrument.");

@@ -46,8 +46,9 @@ public:
     void setInput(Input input, bool value);
     bool input(Input input) const;
 
-    // Fault injection. `operation` is "Interface.Operation" as in the trace ("IDriver.Load"). times > 0: fail the
-    // next `times` calls; times < 0: fail until cleared.
+    // Fault injection. `operation` is "Interface.Operation" as in the trace ("IDriver.Load"), or a query as in the
+    // trace, for every query ("CoDriver.QueryInterface") or for one interface's ("CoDriver.QueryInterface(IDriverIndex)").
+    // times > 0: fail the next `times` calls; times < 0: fail until cleared.
     void failOperation(std::string_view operation, std::string description, int times = 1);
     void clearFailures();
 

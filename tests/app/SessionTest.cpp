@@ -155,6 +155,30 @@ TEST(Session, UnknownProgIdShowsOneMessageAndTouchesNothing) {
     EXPECT_TRUE(harness.messages().empty());
 }
 
+TEST(Session, AFailingQueryKeepsTheHandlesTakenBeforeItUntilTheNextOpenReplacesThem) {
+    WindowHarness harness;
+    harness.sim().failOperation("CoDriver.QueryInterface(IDriverSpindle)", "No such interface");
+    WindowHarness::click(harness.top(), "cmdOpen");
+
+    ASSERT_EQ(harness.messages().size(), 1U);
+    EXPECT_EQ(harness.messages()[0].text, "No such interface");
+    EXPECT_TRUE(openEnabled(harness));
+    std::vector<std::string> queried = connectLines();
+    queried.resize(1 + 5); // the creation and the queries before the spindle's
+    queried.push_back("CoDriver.QueryInterface(IDriverSpindle) !! No such interface");
+    EXPECT_EQ(harness.trace(), queried) << "nothing is opened and nothing released";
+    const DriverHandles& h = handles();
+    EXPECT_TRUE(h.driver && h.piezo && h.stage && h.loadPosition && h.headLoader);
+    EXPECT_FALSE(h.spindle || h.clamp || h.headFace || h.index || h.interlock || h.service);
+
+    const std::weak_ptr<IDriver> kept = h.driver;
+    harness.clearMessages();
+    harness.runSession();
+    EXPECT_TRUE(harness.messages().empty());
+    EXPECT_TRUE(kept.expired()) << "the next Open replaces the handles left from the failed one";
+    expectOnlyDiskSizeHeld();
+}
+
 // Records whether the wait cursor is up when the driver finishes a call.
 class CursorWatch : public TraceSink {
 public:

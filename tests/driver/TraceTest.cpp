@@ -112,7 +112,13 @@ TEST_F(TraceLines, InjectedFaultsFailOnceNTimesOrUntilCleared) {
     sim.clearFailures();
     EXPECT_NO_THROW(QueryInterface<IDriver>(*object));
 
-    EXPECT_THROW(sim.failOperation("IDriver.Lode", "typo"), std::invalid_argument);
+    sim.failOperation("CoDriver.QueryInterface(IDriverIndex)", "this one only", -1);
+    EXPECT_EQ(failure([&] { QueryInterface<IDriverIndex>(*object); }), "this one only");
+    EXPECT_EQ(failure([&] { QueryInterface<IDriverClamp>(*object); }), "");
+    sim.clearFailures();
+
+    for (const char* typo : {"IDriver.Lode", "CoDriver.QueryInterface(IDriverIndx)", "CoDriver.QueryInterface()"})
+        EXPECT_THROW(sim.failOperation(typo, "typo"), std::invalid_argument) << typo;
 }
 
 TEST(CreateDriverObject, ResolvesTheProgIdToTheSimulatorAndTracesTheCreation) {
