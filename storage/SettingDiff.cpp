@@ -164,13 +164,13 @@ private:
 
 } // namespace
 
-std::vector<SettingDifference> DiffGroup(int groupCode, const std::string& fileName, const DriverHandles& handles,
-                                         MessageSink& sink) {
+GroupDifferences DiffGroup(int groupCode, const std::string& fileName, const DriverHandles& handles,
+                           MessageSink& sink) {
     fileio io(sink);
     io.setFileName(fileName);
     DiffTarget target(handles);
-    ReadSettingFile(io, handles, groupCode, target, sink);
-    return target.differences();
+    const int sections = ReadSettingFile(io, handles, groupCode, target, sink);
+    return {target.differences(), sections};
 }
 
 } // namespace vss

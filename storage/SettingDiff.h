@@ -18,9 +18,14 @@ struct SettingDifference {
     std::string file;       // the file's value
 };
 
+struct GroupDifferences {
+    std::vector<SettingDifference> differences;
+    int sections = 0; // of the group found in the file
+};
+
 // The values of the file that the group code imports and that differ from the instrument's, in file order; an
 // item set twice by the file counts with its last value.
-std::vector<SettingDifference> DiffGroup(int groupCode, const std::string& fileName, const DriverHandles& handles,
-                                         MessageSink& sink);
+GroupDifferences DiffGroup(int groupCode, const std::string& fileName, const DriverHandles& handles,
+                           MessageSink& sink);
 
 } // namespace vss

@@ -88,20 +88,24 @@ void WriteGroup(fileio& io, const DriverHandles& handles, SettingGroup group) {
         WriteSection(io, handles, *findSection(name));
 }
 
-void ReadSettingFile(fileio& io, const DriverHandles& handles, int groupCode, SettingTarget& target,
-                     MessageSink& sink) {
+int ReadSettingFile(fileio& io, const DriverHandles& handles, int groupCode, SettingTarget& target,
+                    MessageSink& sink) {
     SectionInput input{io, handles, target, sink};
+    int applied = 0;
     while (!io.endOfFile()) {
         const std::string field = io.readStr();
         const SectionDef* section = findSection(numbertext::trimBlanks(field));
-        if (section != nullptr && section->read != nullptr && section->importedBy(groupCode))
+        if (section != nullptr && section->read != nullptr && section->importedBy(groupCode)) {
             section->read(input);
+            ++applied;
+        }
     }
+    return applied;
 }
 
-void ReadSettingFile(fileio& io, const DriverHandles& handles, int groupCode, MessageSink& sink) {
+int ReadSettingFile(fileio& io, const DriverHandles& handles, int groupCode, MessageSink& sink) {
     DriverTarget target(handles);
-    ReadSettingFile(io, handles, groupCode, target, sink);
+    return ReadSettingFile(io, handles, groupCode, target, sink);
 }
 
 void ExportGroup(SettingGroup group, const std::string& fileName, const DriverHandles& handles, MessageSink& sink,
@@ -113,11 +117,12 @@ void ExportGroup(SettingGroup group, const std::string& fileName, const DriverHa
     io.closeFile();
 }
 
-void ImportGroup(int groupCode, const std::string& fileName, const DriverHandles& handles, MessageSink& sink) {
+int ImportGroup(int groupCode, const std::string& fileName, const DriverHandles& handles, MessageSink& sink) {
     fileio io(sink);
     io.setFileName(fileName);
-    ReadSettingFile(io, handles, groupCode, sink);
+    const int applied = ReadSettingFile(io, handles, groupCode, sink);
     io.closeFile();
+    return applied;
 }
 
 void ExportAllGroups(const std::string& fileName, const DriverHandles& handles, MessageSink& sink,

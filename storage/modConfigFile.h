@@ -55,17 +55,19 @@ void WriteGroupTitle(fileio& io, std::string_view title);
 void WriteGroup(fileio& io, const DriverHandles& handles, SettingGroup group);
 
 // Reads the file field by field and applies each section that the group code imports; other fields and
-// sections are dropped. Values go to `target`. Driver errors and NumberOutOfRange propagate.
-void ReadSettingFile(fileio& io, const DriverHandles& handles, int groupCode, SettingTarget& target,
-                     MessageSink& sink);
+// sections are dropped. Values go to `target`. Returns how many sections were applied. Driver errors and
+// NumberOutOfRange propagate.
+int ReadSettingFile(fileio& io, const DriverHandles& handles, int groupCode, SettingTarget& target,
+                    MessageSink& sink);
 // The same, sending the values to the instrument.
-void ReadSettingFile(fileio& io, const DriverHandles& handles, int groupCode, MessageSink& sink);
+int ReadSettingFile(fileio& io, const DriverHandles& handles, int groupCode, MessageSink& sink);
 
 // Appends a report with the group to the file (the file is created when missing).
 void ExportGroup(SettingGroup group, const std::string& fileName, const DriverHandles& handles, MessageSink& sink,
                  const ReportClock& clock = LocalDateTime);
-// Reads the file with the group code (1..10) and sends its values to the instrument.
-void ImportGroup(int groupCode, const std::string& fileName, const DriverHandles& handles, MessageSink& sink);
+// Reads the file with the group code (1..10) and sends its values to the instrument. Returns how many sections
+// were applied: none when the file holds no section of the group or could not be opened.
+int ImportGroup(int groupCode, const std::string& fileName, const DriverHandles& handles, MessageSink& sink);
 
 // Every group into one report: one header, then each group's title and sections.
 void ExportAllGroups(const std::string& fileName, const DriverHandles& handles, MessageSink& sink,

@@ -120,10 +120,22 @@ TEST_F(ConfigTool, MessagesNameTheFileAndFieldAndSetTheExitCode) {
     EXPECT_EQ(overflow.exitCode, 1);
     EXPECT_NE(overflow.err.find("line 2, field 1"), std::string::npos) << overflow.err;
 
-    const ToolRun missing = run("--quiet import setting " + path("missing.csv") + " export setting " + path("x.csv"));
+    const ToolRun missing = run("import setting " + path("missing.csv") + " export setting " + path("x.csv"));
     EXPECT_EQ(missing.exitCode, 2);
     EXPECT_NE(missing.err.find("(file " + path("missing.csv") + ")"), std::string::npos) << missing.err;
-    EXPECT_FALSE(test::readBytes(path("x.csv")).empty()); // the later action still ran
+    EXPECT_EQ(missing.out, "exported setting to " + path("x.csv") + "\n") << "the later action still ran";
+
+    // A file of no setting sections at all (binary junk, another program's file) changes nothing, and says so.
+    std::string junk;
+    for (int i = 0; i < 4096; ++i)
+        junk += static_cast<char>((i * 7919) % 256);
+    const std::string other = write("junk.bin", junk);
+    const ToolRun none = run("import spindle " + other + " diff " + other + " restore " + other);
+    EXPECT_EQ(none.exitCode, 0) << none.err;
+    EXPECT_EQ(none.out, "");
+    EXPECT_EQ(none.err, "warning: " + other + " holds no section of the group spindle: nothing was imported\n" +
+                            "warning: " + other + " holds no setting section: nothing to compare\n" +
+                            "warning: " + other + " holds no setting section: nothing to compare\n");
 
     for (const char* usage : {"", "import piezo-info x.csv", "export nogroup x.csv", "save setting", "export",
                               "--frobnicate diff x.csv"})

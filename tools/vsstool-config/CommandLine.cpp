@@ -103,11 +103,12 @@ std::string_view usageText() {
            "  --simulate          use the simulated instrument even where the driver is installed\n"
            "  --sim-state FILE    the simulated instrument's non-volatile memory file\n"
            "  --trace FILE        append every driver call to FILE\n"
-           "  --quiet             print only errors and differences\n"
+           "  --quiet             print only errors, warnings and differences\n"
            "  --yes               restore without asking\n"
            "  --help              show this text\n"
            "\n"
-           "exit status: 0 no message, 1 messages were raised, 2 usage error or a file that could not be opened\n";
+           "exit status: 0 no message, 1 messages were raised, 2 usage error or a file that could not be opened\n"
+           "(a warning, such as a file that holds no section of the group, leaves the status as it is)\n";
 }
 
 } // namespace vss::config

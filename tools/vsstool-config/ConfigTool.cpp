@@ -5,6 +5,7 @@
 #include "storage/modConfigFile.h"
 
 #include <istream>
+#include <optional>
 #include <ostream>
 #include <set>
 
@@ -66,22 +67,31 @@ public:
            ConsoleSink& sink)
         : line_(line), h_(handles), in_(in), out_(out), sink_(sink) {}
 
+    // A file that cannot be opened has been named by the sink; nothing more is said of its action.
     void run(const Action& action) {
+        const int openFailures = sink_.openFailures();
+        const auto opened = [&] { return sink_.openFailures() == openFailures; };
         switch (action.verb) {
         case Verb::Export:
             ExportGroup(findGroup(action.group)->group, action.file, h_, sink_);
-            note("exported " + action.group + " to " + action.file);
+            if (opened())
+                note("exported " + action.group + " to " + action.file);
             break;
         case Verb::Import:
-            ImportGroup(findGroup(action.group)->importCode, action.file, h_, sink_);
-            note("imported " + action.group + " from " + action.file);
+            if (ImportGroup(findGroup(action.group)->importCode, action.file, h_, sink_) > 0)
+                note("imported " + action.group + " from " + action.file);
+            else if (opened())
+                sink_.warning(action.file + " holds no section of the group " + action.group +
+                              ": nothing was imported");
             break;
         case Verb::Backup:
             ExportAllGroups(action.file, h_, sink_);
-            note("backed up every group to " + action.file);
+            if (opened())
+                note("backed up every group to " + action.file);
             break;
         case Verb::Diff:
-            printDifferences(differences(action.file, sink_));
+            if (const auto diffs = differences(action.file, sink_))
+                printDifferences(*diffs);
             break;
         case Verb::Restore:
             restore(action.file);
@@ -99,18 +109,27 @@ private:
             out_ << text << '\n';
     }
 
-    // Every importable group's differences, each item once.
-    std::vector<SettingDifference> differences(const std::string& file, MessageSink& sink) {
+    // Every importable group's differences, each item once. Nothing when the file cannot be opened or holds no
+    // setting section at all (said on the error stream).
+    std::optional<std::vector<SettingDifference>> differences(const std::string& file, MessageSink& sink) {
+        const int openFailures = sink_.openFailures();
         std::vector<SettingDifference> all;
         std::set<std::string> seen;
+        int sections = 0;
         for (const GroupDef& g : settingGroups()) {
             if (g.importCode == 0)
                 continue;
-            for (auto& d : DiffGroup(g.importCode, file, h_, sink))
+            GroupDifferences group = DiffGroup(g.importCode, file, h_, sink);
+            if (sink_.openFailures() > openFailures)
+                return std::nullopt;
+            sections += group.sections;
+            for (auto& d : group.differences)
                 if (seen.insert(d.item).second)
                     all.push_back(std::move(d));
-            if (sink_.openFailures() > 0)
-                break;
+        }
+        if (sections == 0) {
+            sink_.warning(file + " holds no setting section: nothing to compare");
+            return std::nullopt;
         }
         return all;
     }
@@ -124,10 +143,10 @@ private:
 
     void restore(const std::string& file) {
         const auto diffs = differences(file, sink_);
-        if (sink_.openFailures() > 0)
+        if (!diffs)
             return;
-        printDifferences(diffs);
-        if (diffs.empty())
+        printDifferences(*diffs);
+        if (diffs->empty())
             return;
         if (!line_.yes) {
             out_ << "Apply these changes to the instrument? [y/N] " << std::flush;
@@ -182,6 +201,8 @@ void ConsoleSink::error(std::string_view text) {
     ++messages_;
     err_ << "error: " << kAppTitle << ": " << text << '\n';
 }
+
+void ConsoleSink::warning(std::string_view text) { err_ << "warning: " << text << '\n'; }
 
 int runTool(const CommandLine& line, std::istream& in, std::ostream& out, std::ostream& err) {
     ConsoleSink sink(err);

@@ -18,6 +18,8 @@ public:
     void showAt(std::string_view text, std::string_view title, const FieldPosition& where) override;
     // An error that is not a reader's message (a driver error, a number out of range).
     void error(std::string_view text);
+    // Something the user should know that is not a message of the window program; it leaves the exit code.
+    void warning(std::string_view text);
 
     int messages() const { return messages_; }
     int openFailures() const { return openFailures_; }
