@@ -196,9 +196,7 @@ void fileio::readField(std::string& out) {
     consumeSeparator();
 }
 
-// Fetches the next data field into the look-ahead, skipping empty fields and comments. At the end of the file
-// the look-ahead keeps its last value and every further read returns it again.
-void fileio::nextToken() {
+void fileio::nextTokenSlow() {
     for (;;) {
         if (atEnd()) {
             pastEnd_ = true;
@@ -250,10 +248,12 @@ bool fileio::scanBufferedFields() {
                 break;
             last = quote;
             stop = findSeparator(quote + 1);
+        } else if (kSeparator[*start]) {
+            stop = last = start; // an empty field
         } else {
             stop = findSeparator(start);
             last = stop;
-            while (last > first && isBlank(last[-1]))
+            while (isBlank(last[-1])) // stops at the field's first byte, which is not blank
                 --last;
         }
         // A CR as the last buffered byte may be the first half of a CR LF: the slow path reads on.

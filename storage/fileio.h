@@ -99,7 +99,14 @@ private:
         if (file_ == nullptr && !failed_)
             openFile(mode);
     }
-    void nextToken();
+    // Fetches the next data field into the look-ahead, skipping empty fields and comments. At the end of the
+    // file the look-ahead keeps its last value and every further read returns it again.
+    void nextToken() {
+        if (pos_ < len_ && scanBufferedFields())
+            return; // the common case: the field is in the buffered bytes
+        nextTokenSlow();
+    }
+    void nextTokenSlow();
     bool endOfFileSlow();
     bool readable(); // opens for reading; false when the file could not be opened
     static bool isBoolean(std::string_view text);
