@@ -2,16 +2,16 @@
 
 #include "app/Messages.h"
 #include "app/Navigation.h"
-#include "driver/Handles.h"
 #include "app/dlgConfigFile.h"
 #include "app/frmFac.h"
 #include "app/frmOpen.h"
 #include "app/frmSerStageMotor.h"
 #include "app/frmTop.h"
+#include "app/frmVersion.h"
 #include "app/modGlobal.h"
-#include "driver/sim/SimInstrument.h"
-
 #include "controls/Gallery.h"
+#include "driver/Handles.h"
+#include "driver/sim/SimInstrument.h"
 #include "operation/OperationWindows.h"
 
 #include <QApplication>
@@ -41,6 +41,10 @@ template <class W> WindowMaker window() {
     return [] { return std::make_unique<W>(); };
 }
 
+WindowMaker versionWindow(bool factoryMode) {
+    return [factoryMode] { return std::make_unique<frmVersion>(nullptr, factoryMode); };
+}
+
 WindowMaker mainMenuAt(int level) {
     return [level] {
         auto menu = std::make_unique<frmOpen>();
@@ -58,6 +62,8 @@ std::vector<Scene> scenes() {
         {QStringLiteral("frmOpen-level2"), mainMenuAt(2)},
         {QStringLiteral("frmFac"), window<frmFac>()},
         {QStringLiteral("frmSerStageMotor"), window<frmSerStageMotor>()},
+        {QStringLiteral("frmVersion"), versionWindow(false)},
+        {QStringLiteral("frmVersion-factory"), versionWindow(true)},
         {QStringLiteral("controls"), [] { return std::unique_ptr<QWidget>(createControlsGallery(nullptr)); }},
     };
     for (auto& [name, make] : operationScreenshots())

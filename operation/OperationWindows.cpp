@@ -3,13 +3,11 @@
 #include "operation/frmIni.h"
 #include "operation/frmIniPiezo.h"
 #include "operation/frmIniSetting.h"
-#include "operation/frmVersion.h"
 
 namespace vss {
 
 void registerOperationWindows(MenuWindows& windows) {
     windows.operationPanel = [](QWidget* parent) { return std::make_unique<frmIni>(parent); };
-    windows.version = [](QWidget* parent) { return std::make_unique<frmVersion>(parent, true); };
 }
 
 std::vector<std::pair<QString, ScreenshotMaker>> operationScreenshots() {
@@ -20,11 +18,6 @@ std::vector<std::pair<QString, ScreenshotMaker>> operationScreenshots() {
             return w;
         };
     };
-    const auto version = [](bool factoryMode) {
-        return [factoryMode](QWidget* parent) -> std::unique_ptr<QWidget> {
-            return std::make_unique<frmVersion>(parent, factoryMode);
-        };
-    };
     return {
         {QStringLiteral("frmIni"), panel(false)},
         {QStringLiteral("frmIni-direct"), panel(true)},
@@ -32,8 +25,6 @@ std::vector<std::pair<QString, ScreenshotMaker>> operationScreenshots() {
          [](QWidget* parent) -> std::unique_ptr<QWidget> { return std::make_unique<frmIniSetting>(parent); }},
         {QStringLiteral("frmIniPiezo"),
          [](QWidget* parent) -> std::unique_ptr<QWidget> { return std::make_unique<frmIniPiezo>(parent); }},
-        {QStringLiteral("frmVersion"), version(false)},
-        {QStringLiteral("frmVersion-factory"), version(true)},
     };
 }
 

@@ -14,8 +14,7 @@ class QWidget;
 
 namespace vss {
 
-// Sets the main menu's "Operation Check" (the operation panel) and the factory menu's "Version" (the version
-// window in factory mode).
+// Sets the main menu's "Operation Check" (the operation panel).
 void registerOperationWindows(MenuWindows& windows);
 
 // The operation windows for the screenshot mode, each with its file name (without ".png").

@@ -1,15 +1,15 @@
 #include "operation/frmIni.h"
 
+#include "app/FormBuild.h"
 #include "app/Gestures.h"
 #include "app/Messages.h"
+#include "app/frmVersion.h"
 #include "app/modGlobal.h"
 #include "controls/Twips.h"
-#include "operation/Build.h"
+#include "controls/UpDown.h"
 #include "operation/OperationLogic.h"
-#include "operation/UpDown.h"
 #include "operation/frmIniPiezo.h"
 #include "operation/frmIniSetting.h"
-#include "operation/frmVersion.h"
 
 #include <QComboBox>
 #include <QKeyEvent>
@@ -18,8 +18,6 @@
 
 namespace vss {
 namespace {
-
-using namespace operation;
 
 // The title bar and borders: the outer heights count them, the client area is the rest.
 constexpr int kNonClientHeightTwips = 405;

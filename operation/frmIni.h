@@ -7,7 +7,7 @@
 // panel after one message. The direct spindle and head-loader controls lie below the panel's normal height
 // and are revealed by a right click with Shift and Ctrl held on the background.
 
-#include "operation/CommandForm.h"
+#include "app/CommandForm.h"
 
 #include <QTimer>
 #include <array>
@@ -24,7 +24,7 @@ namespace vss {
 class userProperty;
 class userText;
 
-class frmIni : public operation::CommandForm {
+class frmIni : public CommandForm {
     Q_OBJECT
 
 public:

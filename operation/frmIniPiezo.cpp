@@ -1,11 +1,9 @@
 #include "operation/frmIniPiezo.h"
 
+#include "app/FormBuild.h"
 #include "app/modGlobal.h"
-#include "operation/Build.h"
 
 namespace vss {
-
-using namespace operation;
 
 frmIniPiezo::frmIniPiezo(QWidget* parent) : Form(parent) {
     setWindowTitle(appTitle() + QStringLiteral(" : Piezo Information"));

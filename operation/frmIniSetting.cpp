@@ -1,16 +1,14 @@
 #include "operation/frmIniSetting.h"
 
+#include "app/FormBuild.h"
+#include "app/SettingTransfer.h"
 #include "app/modGlobal.h"
-#include "operation/Build.h"
-#include "operation/SettingTransfer.h"
 
 #include <QCheckBox>
 #include <QComboBox>
 
 namespace vss {
 namespace {
-
-using namespace operation;
 
 constexpr int kRowWidth = 3240;
 

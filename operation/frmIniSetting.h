@@ -4,7 +4,7 @@
 // size restriction, with the spindle direction, head face, index polarity, fine position limit and allowed
 // disk size shown read-only. Export and Import save and load the "Setting" group.
 
-#include "operation/CommandForm.h"
+#include "app/CommandForm.h"
 
 class QCheckBox;
 class QComboBox;
@@ -15,7 +15,7 @@ namespace vss {
 class userProperty;
 class userText;
 
-class frmIniSetting : public operation::CommandForm {
+class frmIniSetting : public CommandForm {
     Q_OBJECT
 
 public:

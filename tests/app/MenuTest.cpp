@@ -3,10 +3,10 @@
 #include "app/Navigation.h"
 #include "app/frmFac.h"
 #include "app/frmOpen.h"
+#include "app/frmVersion.h"
 #include "app/modGlobal.h"
 #include "controls/Twips.h"
 #include "driver/DriverError.h"
-#include "operation/frmVersion.h"
 #include "tests/support/WindowHarness.h"
 
 #include <QAbstractButton>

@@ -2,10 +2,10 @@
 // the simulated instrument.
 
 #include "app/frmFac.h"
+#include "app/frmVersion.h"
 #include "app/modGlobal.h"
 #include "operation/frmIniPiezo.h"
 #include "operation/frmIniSetting.h"
-#include "operation/frmVersion.h"
 #include "tests/operation/OperationHarness.h"
 
 #include <QCheckBox>

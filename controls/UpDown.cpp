@@ -1,8 +1,8 @@
-#include "operation/UpDown.h"
+#include "controls/UpDown.h"
 
 #include <QToolButton>
 
-namespace vss::operation {
+namespace vss {
 
 UpDown::UpDown(QWidget* parent) : QWidget(parent), up_(new QToolButton(this)), down_(new QToolButton(this)) {
     up_->setObjectName(QStringLiteral("up"));
@@ -20,4 +20,4 @@ void UpDown::resizeEvent(QResizeEvent* event) {
     down_->setGeometry(0, half, width(), height() - half);
 }
 
-} // namespace vss::operation
+} // namespace vss

@@ -1,17 +1,13 @@
-#include "operation/frmVersion.h"
+#include "app/frmVersion.h"
 
+#include "app/FormBuild.h"
 #include "app/modGlobal.h"
-#include "operation/Build.h"
 
 #include <QFocusEvent>
 #include <QKeyEvent>
 
 namespace vss {
 namespace {
-
-using operation::newButton;
-using operation::newLabel;
-using operation::newTextBox;
 
 struct VersionTexts {
     std::string hardwareRevision;

@@ -1,6 +1,6 @@
 #pragma once
 
-// The operation windows' command frame: a command's steps run in the busy bracket; when they all ran, its
+// The command frame of windows that command the instrument: a command's steps run in the busy bracket; when they all ran, its
 // follow-up (usually a refresh of what it changed) runs after the controls are enabled again. A failure of
 // either is shown once; a failed command skips its follow-up.
 
@@ -8,7 +8,7 @@
 
 #include <functional>
 
-namespace vss::operation {
+namespace vss {
 
 class CommandForm : public Form {
     Q_OBJECT
@@ -20,4 +20,4 @@ protected:
     bool command(const std::function<void()>& steps, const std::function<void()>& followUp = {});
 };
 
-} // namespace vss::operation
+} // namespace vss

@@ -7,7 +7,7 @@
 
 class QToolButton;
 
-namespace vss::operation {
+namespace vss {
 
 class UpDown : public QWidget {
     Q_OBJECT
@@ -27,4 +27,4 @@ private:
     QToolButton* down_;
 };
 
-} // namespace vss::operation
+} // namespace vss

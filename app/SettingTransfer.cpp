@@ -1,4 +1,4 @@
-#include "operation/SettingTransfer.h"
+#include "app/SettingTransfer.h"
 
 #include "app/Form.h"
 #include "app/Messages.h"
@@ -9,7 +9,7 @@
 #include <functional>
 #include <string>
 
-namespace vss::operation {
+namespace vss {
 namespace {
 
 void transfer(Form& form, const std::function<void()>& steps) {
@@ -48,4 +48,4 @@ void importSettingGroup(Form& form, SettingGroup group) {
     });
 }
 
-} // namespace vss::operation
+} // namespace vss

@@ -1,6 +1,6 @@
 #pragma once
 
-// Building the operation windows in code: every control is named and placed in twips inside its window or
+// Building windows in code: every control is named and placed in twips inside its window or
 // frame, and the value fields get their caption, unit, scale and lock in one call.
 
 #include "controls/Twips.h"
@@ -13,7 +13,7 @@
 #include <QPushButton>
 #include <QString>
 
-namespace vss::operation {
+namespace vss {
 
 // Names a control and places it at left, top, width, height (twips) inside its parent.
 template <class W> W* put(W* control, const char* name, int left, int top, int width, int height) {
@@ -61,4 +61,4 @@ userText* newValueField(QWidget* parent, const char* name, int left, int top, in
 // Sets a text box's text only when it differs, so that polling leaves an unchanged box alone.
 void showText(QLineEdit* box, const QString& text);
 
-} // namespace vss::operation
+} // namespace vss

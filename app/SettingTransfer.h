@@ -8,12 +8,10 @@
 #include "storage/modConfigFile.h"
 
 namespace vss {
-class Form;
-}
 
-namespace vss::operation {
+class Form;
 
 void exportSettingGroup(Form& form, SettingGroup group);
 void importSettingGroup(Form& form, SettingGroup group);
 
-} // namespace vss::operation
+} // namespace vss

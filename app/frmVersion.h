@@ -6,7 +6,7 @@
 // is pressed in its box or when the edited box is left, and Save and Recall store and reload the version
 // data.
 
-#include "operation/CommandForm.h"
+#include "app/CommandForm.h"
 
 #include <functional>
 #include <string>
@@ -15,7 +15,7 @@ class QLineEdit;
 
 namespace vss {
 
-class frmVersion : public operation::CommandForm {
+class frmVersion : public CommandForm {
     Q_OBJECT
 
 public:

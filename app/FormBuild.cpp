@@ -1,8 +1,8 @@
-#include "operation/Build.h"
+#include "app/FormBuild.h"
 
 #include "controls/FieldLook.h"
 
-namespace vss::operation {
+namespace vss {
 
 QLineEdit* newTextBox(QWidget* parent, const char* name, int left, int top, int width, int height,
                       bool locked) {
@@ -46,4 +46,4 @@ void showText(QLineEdit* box, const QString& text) {
         box->setText(text);
 }
 
-} // namespace vss::operation
+} // namespace vss

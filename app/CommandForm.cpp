@@ -1,6 +1,6 @@
-#include "operation/CommandForm.h"
+#include "app/CommandForm.h"
 
-namespace vss::operation {
+namespace vss {
 
 bool CommandForm::command(const std::function<void()>& steps, const std::function<void()>& followUp) {
     if (!runBusy(steps))
@@ -8,4 +8,4 @@ bool CommandForm::command(const std::function<void()>& steps, const std::functio
     return !followUp || trapErrors(followUp);
 }
 
-} // namespace vss::operation
+} // namespace vss
