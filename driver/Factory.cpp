@@ -45,10 +45,13 @@ std::shared_ptr<DriverObject> create(std::string_view progId, const DriverOption
         resolver = platformResolver();
     }
     if (resolver && !options.forceSimulator) {
-        if (auto object = resolver(progId)) {
-            made = "driver";
-            return object;
-        }
+        // The platform has drivers of its own: what it cannot create is an error, not a simulation.
+        auto object = resolver(progId);
+        if (!object)
+            throw DriverError("Cannot create the driver object \"" + std::string(progId) +
+                              "\": no driver is registered under this name.");
+        made = "driver";
+        return object;
     }
     if (progId != kDriverProgId)
         throw DriverError("Cannot create the driver object \"" + std::string(progId) +

@@ -1,8 +1,8 @@
 #pragma once
 
-// Creating the driver object by its ProgID. "Vlkd2208.CoDriver" resolves to the registered driver where the
-// platform has one (COM on Windows) and to the simulated instrument everywhere else, or always when the user
-// forces the simulator.
+// Creating the driver object by its ProgID. On a platform with registered drivers (COM on Windows) the ProgID
+// resolves to the registered driver, and a ProgID that is not registered is an error. On a platform without
+// them, and whenever the user forces it, "Vlkd2208.CoDriver" resolves to the simulated instrument.
 
 #include "driver/Interfaces.h"
 #include "driver/Trace.h"
@@ -34,8 +34,8 @@ struct DriverOptions {
 // to nothing.
 std::shared_ptr<DriverObject> CreateDriverObject(std::string_view progId, const DriverOptions& options);
 
-// The platform's own resolver (the COM client on Windows): returns the object, nullptr when the ProgID is not
-// registered on this machine, or throws DriverError when creation fails.
+// The platform's own resolver (the COM client on Windows): returns the object or throws DriverError with the
+// system's description when it cannot be created (nullptr counts as not registered).
 using PlatformResolver = std::function<std::shared_ptr<DriverObject>(std::string_view progId)>;
 void SetPlatformResolver(PlatformResolver resolver);
 

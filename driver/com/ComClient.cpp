@@ -1,5 +1,7 @@
 #include "driver/com/ComClient.h"
 
+#include "driver/Factory.h"
+
 #include "driver/com/ComCall.h"
 
 namespace vss::com {
@@ -481,16 +483,17 @@ void throwCallFailure(HRESULT hr, IUnknown* itf, const IID& iid, std::string_vie
     throw DriverError(description, hr);
 }
 
-std::shared_ptr<ComDriverObject> ComDriverObject::create(std::string_view progId, bool nullWhenUnregistered) {
+std::shared_ptr<ComDriverObject> ComDriverObject::create(std::string_view progId) {
     auto session = newSession(progId);
     const std::string quoted = "\"" + std::string(progId) + "\"";
     CLSID clsid{};
     HRESULT hr = CLSIDFromProgID(toWide(progId).c_str(), &clsid);
     if (FAILED(hr)) {
-        if (nullWhenUnregistered && (hr == CO_E_CLASSSTRING || hr == REGDB_E_CLASSNOTREG))
-            return nullptr;
-        throw DriverError("Cannot create the driver object " + quoted + ": no driver is registered under this name " +
-                              "(" + hexCode(hr) + ").",
+        std::string hint;
+        if (progId == kDriverProgId)
+            hint = " Start the tool with --simulate to use the simulated instrument.";
+        throw DriverError("Cannot create the driver object " + quoted + ": no driver is registered under this name: " +
+                              failureText(hr, "unknown class") + "." + hint,
                           hr);
     }
     IUnknown* unknown = nullptr;

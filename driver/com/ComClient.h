@@ -17,9 +17,9 @@ namespace vss::com {
 class ComDriverObject : public DriverObject {
 public:
     // Creates the registered class in-process, or, when that fails, as a local server (a 32-bit driver registered
-    // for surrogate activation serves a 64-bit tool that way). Throws DriverError; returns nullptr when nothing is
-    // registered under progId and `nullWhenUnregistered` is set.
-    static std::shared_ptr<ComDriverObject> create(std::string_view progId, bool nullWhenUnregistered = false);
+    // for surrogate activation serves a 64-bit tool that way). Throws DriverError with the system's description,
+    // also when nothing is registered under progId.
+    static std::shared_ptr<ComDriverObject> create(std::string_view progId);
 
     // Takes over one reference to an existing object; `name` stands for it in messages.
     static std::shared_ptr<ComDriverObject> attach(IUnknown* object, std::string_view name);
@@ -34,8 +34,9 @@ private:
     std::shared_ptr<Session> session_;
 };
 
-// Makes CreateDriverObject reach the registered driver: a ProgID that is not registered resolves to nothing, so
-// that the simulator can stand in for the instrument's own ProgID.
+// Makes CreateDriverObject reach the registered driver. A ProgID that is not registered is an error, the
+// instrument's own included: on the workstation beside the instrument a broken driver installation must not
+// pass for the instrument. The simulator runs there only when the user asks for it (--simulate).
 void InstallPlatformResolver();
 
 } // namespace vss::com

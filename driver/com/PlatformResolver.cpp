@@ -5,7 +5,7 @@ namespace vss::com {
 
 void InstallPlatformResolver() {
     SetPlatformResolver([](std::string_view progId) -> std::shared_ptr<DriverObject> {
-        return ComDriverObject::create(progId, /*nullWhenUnregistered=*/true);
+        return ComDriverObject::create(progId);
     });
 }
 

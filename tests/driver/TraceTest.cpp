@@ -143,7 +143,9 @@ TEST(CreateDriverObject, ResolvesTheProgIdToTheSimulatorAndTracesTheCreation) {
     EXPECT_EQ(sink->lines().back(), "CoDriver.Create(\"Nobody.Driver\") !! " + refused);
 }
 
-TEST(CreateDriverObject, PrefersTheRegisteredDriverUnlessTheSimulatorIsForced) {
+// Where the platform has registered drivers, the instrument's own ProgID unregistered is an error: a broken
+// driver installation must not pass for the instrument. Only --simulate brings the simulator there.
+TEST(CreateDriverObject, UsesOnlyTheRegisteredDriverWhereThePlatformHasOnesUnlessTheSimulatorIsForced) {
     auto registered = sim::SimInstrument(sim::SimOptions{":memory:", false, true}).createObject();
     int asked = 0;
     SetPlatformResolver([&](std::string_view progId) -> std::shared_ptr<DriverObject> {
@@ -153,8 +155,10 @@ TEST(CreateDriverObject, PrefersTheRegisteredDriverUnlessTheSimulatorIsForced) {
     DriverOptions options;
     options.simulator = std::make_shared<sim::SimInstrument>(sim::SimOptions{":memory:", false, true});
     EXPECT_EQ(CreateDriverObject("Other.Driver", options), registered);
-    EXPECT_NE(CreateDriverObject(kDriverProgId, options), nullptr); // not registered here: the simulator
+    EXPECT_EQ(failure([&] { CreateDriverObject(kDriverProgId, options); }),
+              "Cannot create the driver object \"Vlkd2208.CoDriver\": no driver is registered under this name.");
     options.forceSimulator = true;
+    EXPECT_NE(CreateDriverObject(kDriverProgId, options), nullptr);
     EXPECT_THROW(CreateDriverObject("Other.Driver", options), DriverError);
     EXPECT_EQ(asked, 2);
     SetPlatformResolver(nullptr);
