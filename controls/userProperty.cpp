@@ -122,7 +122,7 @@ void userProperty::setOptStrWidth(std::int32_t twips) {
 }
 
 bool userProperty::Enabled() const {
-    return txt_->isEnabledTo(this);
+    return txt_->isEnabled();
 }
 
 bool userProperty::Locked() const {

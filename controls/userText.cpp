@@ -44,7 +44,7 @@ void userText::setOptStrWidth(std::int32_t twips) {
 }
 
 bool userText::Enabled() const {
-    return txt_->isEnabledTo(this);
+    return txt_->isEnabled();
 }
 
 bool userText::Locked() const {
@@ -66,11 +66,14 @@ void userText::resizeEvent(QResizeEvent* event) {
 }
 
 bool userText::eventFilter(QObject* watched, QEvent* event) {
-    // Leaving the field commits, unless the focus only went to the box's own context menu or to another
-    // window: the field still has the focus within its window then and commits when it really loses it.
+    // Leaving the field commits when the user leaves it. Not when the focus only went to the box's own context
+    // menu or to another window (the field still has the focus within its window then and commits when it
+    // really loses it), and not when the program took the focus away by disabling or hiding the box, as a
+    // window does when it turns busy or closes.
     if (watched == txt_ && event->type() == QEvent::FocusOut) {
         const Qt::FocusReason reason = static_cast<QFocusEvent*>(event)->reason();
-        if (reason != Qt::PopupFocusReason && reason != Qt::ActiveWindowFocusReason)
+        if (reason != Qt::PopupFocusReason && reason != Qt::ActiveWindowFocusReason && txt_->isEnabled() &&
+            txt_->isVisible())
             commit();
     }
     return QWidget::eventFilter(watched, event);

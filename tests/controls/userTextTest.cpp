@@ -42,6 +42,27 @@ TEST_F(UserTextTest, CommitsScaledNumbersOnEnterAndAgainOnLeaving) {
     EXPECT_EQ(changes, 3);
 }
 
+// The program taking the focus away (a window turning busy disables its controls, a closing one hides them) is
+// not the user leaving the field: nothing is committed, and the typed text waits for the user's own commit.
+TEST_F(UserTextTest, DisablingOrHidingTheFieldWithTheFocusCommitsNothing) {
+    makeMillimetreField(0.0125);
+    typeInto(txt(), "30");
+    window.setEnabled(false);
+    EXPECT_FALSE(control->Enabled());
+    EXPECT_EQ(changes, 0);
+    EXPECT_DOUBLE_EQ(control->Value().dbl(), 0.0125);
+    window.setEnabled(true);
+    EXPECT_TRUE(control->Enabled());
+
+    typeInto(txt(), "40");
+    control->hide();
+    EXPECT_EQ(changes, 0);
+    control->show();
+    commitByEnter("50");
+    EXPECT_DOUBLE_EQ(control->Value().dbl(), 0.05);
+    EXPECT_EQ(changes, 1);
+}
+
 TEST_F(UserTextTest, KeepsTheValueAndTheTypedTextWhenTheTextIsRejected) {
     makeMillimetreField(0.0125);
     commitByEnter("abc");
