@@ -12,14 +12,13 @@
 namespace vss {
 namespace {
 
+// An error ends the transfer without a message of its own (a refusal of the instrument, a number too large for
+// its field): what is said about the file is said by the file reader, field by field, as it reads.
 void transfer(Form& form, const std::function<void()>& steps) {
     form.disableAllControls();
     try {
         steps();
-    } catch (const DriverError& e) {
-        showMessage(e.description());
     } catch (const std::exception&) {
-        // The file reader has already said what is wrong with the file.
     }
     form.enableAllControls();
 }

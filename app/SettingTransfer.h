@@ -2,8 +2,8 @@
 
 // The Export and Import buttons of a settings window: the window turns busy, the file dialog asks for the
 // file (a cancelled dialog goes on with the name it held), the group is written to or read from the file,
-// and the window is enabled again in every case. A refusal of the instrument is shown with its text; a
-// problem with the file has been reported by the file reader, and nothing more is shown.
+// and the window is enabled again in every case. An error ends the transfer where it happened, without a
+// message of its own: the only messages are the file reader's.
 
 #include "storage/modConfigFile.h"
 

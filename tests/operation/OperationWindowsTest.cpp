@@ -146,6 +146,29 @@ TEST(MeasurementSettings, ExportAndImportRestoreTheSettingGroup) {
     EXPECT_TRUE(harness.messages().empty());
 }
 
+// The instrument refusing a value ends the import there, without a message of the window's own: the sections
+// before it are applied, the ones after it are not, and the window is usable again.
+TEST(MeasurementSettings, AnImportTheInstrumentRefusesStopsThereWithoutAMessage) {
+    WindowHarness harness;
+    QTemporaryDir dir;
+    const std::string file = dir.filePath(QStringLiteral("setting.csv")).toStdString();
+    harness.answerFileDialog(file);
+    harness.answerFileDialog(file);
+    fromPanel<frmIniSetting>(harness, "cmdSetting", [&](frmIniSetting& w) {
+        WindowHarness::click(w, "cmdExport");
+        const bool restriction = handles().diskSize->GetDiskSizeRestriction();
+        handles().driver->SetLoadMethod(2);
+        handles().diskSize->SetDiskSizeRestriction(!restriction);
+        harness.sim().failOperation("IDriver.SetDataArea", "Data area refused");
+        WindowHarness::click(w, "cmdImport");
+        EXPECT_EQ(handles().driver->GetLoadMethod(), 0) << "read before the refusal";
+        EXPECT_EQ(handles().diskSize->GetDiskSizeRestriction(), !restriction) << "not read after it";
+        for (QWidget* c : w.controls())
+            EXPECT_TRUE(c->isEnabled()) << c->objectName().toStdString();
+    });
+    EXPECT_TRUE(harness.messages().empty());
+}
+
 TEST(PiezoCheck, ReadsOnceInTwoStepsAndTakesNoInput) {
     struct Case {
         const char* failing;
