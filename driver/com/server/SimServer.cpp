@@ -200,8 +200,32 @@ ClassFactory classFactory;
 
 // ---- self-registration ----
 
+constexpr const wchar_t* kProgId = L"Vlkd2208.CoDriver";
+
 std::wstring clsidText() {
     return toWide(kSimulatorClsid.toString());
+}
+
+// Whom the driver's ProgID belongs to. The instrument's own driver registers under the same ProgID: a key that
+// names another class, or that names no class this server can read (a key with only a CurVer, an unreadable
+// key), is someone else's.
+enum class ProgIdOwner { Nobody, Simulator, Other };
+
+ProgIdOwner progIdOwner() {
+    HKEY key = nullptr;
+    const LONG opened = RegOpenKeyExW(HKEY_CLASSES_ROOT, kProgId, 0, KEY_READ, &key);
+    if (opened == ERROR_FILE_NOT_FOUND)
+        return ProgIdOwner::Nobody;
+    if (opened != ERROR_SUCCESS)
+        return ProgIdOwner::Other;
+    wchar_t text[64] = {};
+    DWORD size = sizeof(text);
+    const LONG read = RegGetValueW(key, L"CLSID", nullptr, RRF_RT_REG_SZ, nullptr, text, &size);
+    RegCloseKey(key);
+    CLSID named{};
+    if (read == ERROR_SUCCESS && SUCCEEDED(CLSIDFromString(text, &named)) && named == toIid(kSimulatorClsid))
+        return ProgIdOwner::Simulator;
+    return ProgIdOwner::Other;
 }
 
 LONG setValue(HKEY root, const std::wstring& key, const wchar_t* name, const std::wstring& value) {
@@ -249,7 +273,11 @@ HRESULT STDAPICALLTYPE DllRegisterServer() {
     const DWORD n = GetModuleFileNameW(moduleHandle, path, MAX_PATH);
     if (n == 0 || n >= MAX_PATH)
         return SELFREG_E_CLASS;
-    const std::wstring progId = L"Vlkd2208.CoDriver";
+    // Registering over the instrument's driver would take its ProgID; nothing is written then. Registering
+    // again over the simulator's own registration is fine.
+    if (progIdOwner() == ProgIdOwner::Other)
+        return SELFREG_E_CLASS;
+    const std::wstring progId = kProgId;
     const std::wstring clsidKey = L"CLSID\\" + clsidText();
     const LONG results[] = {
         setValue(HKEY_CLASSES_ROOT, progId, nullptr, L"CoDriver (simulated instrument)"),
@@ -265,9 +293,13 @@ HRESULT STDAPICALLTYPE DllRegisterServer() {
     return S_OK;
 }
 
+// The simulator's class goes; the ProgID goes only while it still names that class (the instrument's driver may
+// have been registered over it since).
 HRESULT STDAPICALLTYPE DllUnregisterServer() {
+    const bool ownsProgId = progIdOwner() == ProgIdOwner::Simulator;
     RegDeleteTreeW(HKEY_CLASSES_ROOT, (L"CLSID\\" + clsidText()).c_str());
-    RegDeleteTreeW(HKEY_CLASSES_ROOT, L"Vlkd2208.CoDriver");
+    if (ownsProgId)
+        RegDeleteTreeW(HKEY_CLASSES_ROOT, kProgId);
     return S_OK;
 }
 
