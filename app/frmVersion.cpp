@@ -9,23 +9,6 @@
 namespace vss {
 namespace {
 
-struct VersionTexts {
-    std::string hardwareRevision;
-    std::string serialNumber;
-    std::string driverRevision;
-    std::string firmwareRevision;
-};
-
-// The main and the service interface each answer the four reads; they are read in this order.
-template <class Interface> VersionTexts readVersion(Interface& from) {
-    VersionTexts v;
-    v.hardwareRevision = from.GetHardwareRevision();
-    v.serialNumber = from.GetSerialNumber();
-    v.driverRevision = from.GetDriverRevision();
-    v.firmwareRevision = from.GetFirmwareRevision();
-    return v;
-}
-
 QString qtext(const std::string& s) {
     return QString::fromStdString(s);
 }
@@ -37,9 +20,10 @@ bool isEnter(const QEvent* event) {
     return key == Qt::Key_Return || key == Qt::Key_Enter;
 }
 
-// Leaving the box for another control of the window, not for its context menu or another window.
-bool isLeaving(const QEvent* event) {
-    if (event->type() != QEvent::FocusOut)
+// The user leaving the box for another control of the window: not for its context menu or another window, and
+// not the program taking the focus away by disabling the box (the window turning busy).
+bool isLeaving(const QEvent* event, const QWidget* box) {
+    if (event->type() != QEvent::FocusOut || !box->isEnabled() || !box->isVisible())
         return false;
     const Qt::FocusReason reason = static_cast<const QFocusEvent*>(event)->reason();
     return reason != Qt::PopupFocusReason && reason != Qt::ActiveWindowFocusReason;
@@ -81,12 +65,19 @@ frmVersion::frmVersion(QWidget* parent, bool factoryMode) : CommandForm(parent),
     trapErrors([this] { refresh(); });
 }
 
+// Each text is read into its box in this order; a failing read leaves the boxes after it as they were. The main
+// and the service interface each answer the four reads.
 void frmVersion::refresh() {
-    const VersionTexts v = factoryMode_ ? readVersion(*handles().service) : readVersion(*handles().driver);
-    txtHwRevision_->setText(qtext(v.hardwareRevision));
-    txtSerialNumber_->setText(qtext(v.serialNumber));
-    txtDrvRevision_->setText(qtext(v.driverRevision));
-    txtFwRevision_->setText(qtext(v.firmwareRevision));
+    const auto show = [this](auto& from) {
+        txtHwRevision_->setText(qtext(from.GetHardwareRevision()));
+        txtSerialNumber_->setText(qtext(from.GetSerialNumber()));
+        txtDrvRevision_->setText(qtext(from.GetDriverRevision()));
+        txtFwRevision_->setText(qtext(from.GetFirmwareRevision()));
+    };
+    if (factoryMode_)
+        show(*handles().service);
+    else
+        show(*handles().driver);
 }
 
 const frmVersion::EditableText* frmVersion::editableFor(const QObject* box) const {
@@ -99,14 +90,13 @@ const frmVersion::EditableText* frmVersion::editableFor(const QObject* box) cons
 
 bool frmVersion::eventFilter(QObject* watched, QEvent* event) {
     const EditableText* text = factoryMode_ ? editableFor(watched) : nullptr;
-    if (text && (isEnter(event) || (isLeaving(event) && text->box->isModified())))
+    if (text && (isEnter(event) || isLeaving(event, text->box)))
         enterText(*text);
     return Form::eventFilter(watched, event);
 }
 
 // The box's text is written as it stands, also when unchanged, and the instrument's value is shown after.
 void frmVersion::enterText(const EditableText& text) {
-    text.box->setModified(false); // leaving the box while the window is busy writes nothing more
     const std::string typed = text.box->text().toStdString();
     command([&] { text.write(typed); }, [&] { text.box->setText(qtext(text.read())); });
 }

@@ -231,8 +231,8 @@ TEST(VersionWindow, InFactoryModeEnterWritesTheTextAndShowsTheInstrumentsValue) 
             harness.whenActive<frmVersion>([&](frmVersion& w) {
                 EXPECT_EQ(w.windowTitle(), "Version Data (Factory use only)");
                 const std::string serial = textOf(w, "txtSerialNumber");
-                harness.clearTrace();
                 WindowHarness::control(w, "txtSerialNumber").setFocus();
+                harness.clearTrace();
                 WindowHarness::pressKey(w, "txtSerialNumber", Qt::Key_Return);
                 EXPECT_EQ(harness.trace(), (Lines{"IDriverService.SetSerialNumber(\"" + serial + "\")",
                                                   "IDriverService.GetSerialNumber() -> \"" + serial + "\""}))
@@ -241,13 +241,26 @@ TEST(VersionWindow, InFactoryModeEnterWritesTheTextAndShowsTheInstrumentsValue) 
                 WindowHarness::control(w, "txtHwRevision").setFocus();
                 WindowHarness::control<QLineEdit>(w, "txtHwRevision").clear();
                 WindowHarness::typeText(w, "txtHwRevision", "R2208C-C");
-                WindowHarness::control(w, "txtSerialNumber").setFocus(); // leaving the edited box writes it
+                WindowHarness::control(w, "txtSerialNumber").setFocus(); // leaving the box writes it
                 EXPECT_EQ(handles().service->GetHardwareRevision(), "R2208C-C");
+                WindowHarness::control(w, "txtHwRevision").setFocus();
+                harness.clearTrace();
+                WindowHarness::control(w, "txtSerialNumber").setFocus(); // also when it is unchanged
+                EXPECT_EQ(harness.trace(), (Lines{"IDriverService.SetHardwareRevision(\"R2208C-C\")",
+                                                  "IDriverService.GetHardwareRevision() -> \"R2208C-C\""}));
 
                 harness.sim().failOperation("IDriverService.SaveVersionData", "EEPROM write failed");
                 WindowHarness::click(w, "cmdSave");
                 WindowHarness::click(w, "cmdRecall");
                 EXPECT_EQ(textOf(w, "txtHwRevision"), "R2208C-B") << "Recall reloads the stored data";
+
+                // A read that fails stops the refresh there: the boxes before it are filled already.
+                WindowHarness::control<QLineEdit>(w, "txtHwRevision").setText("stale");
+                harness.sim().failOperation("IDriverService.GetDriverRevision", "Driver revision unreadable");
+                const std::string firmware = textOf(w, "txtFwRevision");
+                WindowHarness::click(w, "cmdRecall");
+                EXPECT_EQ(textOf(w, "txtHwRevision"), "R2208C-B");
+                EXPECT_EQ(textOf(w, "txtFwRevision"), firmware);
                 WindowHarness::click(w, "cmdReturn");
             });
             WindowHarness::click(factory, "cmdVersion");
@@ -255,8 +268,9 @@ TEST(VersionWindow, InFactoryModeEnterWritesTheTextAndShowsTheInstrumentsValue) 
         });
         WindowHarness::click(menu, "cmdFactory");
     });
-    ASSERT_EQ(harness.messages().size(), 1U);
+    ASSERT_EQ(harness.messages().size(), 2U);
     EXPECT_EQ(harness.messages()[0].text, "EEPROM write failed");
+    EXPECT_EQ(harness.messages()[1].text, "Driver revision unreadable");
 }
 
 } // namespace
