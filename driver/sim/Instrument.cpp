@@ -86,7 +86,8 @@ void Instrument::gate(std::string_view operation) {
             failures_.erase(f);
         throw DriverError(description);
     }
-    if (!hw.open && operation != "IDriver.Open" && operation != "IDriver.Close" &&
+    // Outside a session the instrument answers only its state (CLOSED).
+    if (!hw.open && operation != "IDriver.Open" && operation != "IDriver.Close" && operation != "IDriver.GetState" &&
         !operation.starts_with("CoDriver.QueryInterface"))
         throw DriverError("The instrument session is not open: call Open first.");
     if (!headLoaderPresent_ && operation.starts_with("IDriverHeadLoader."))
@@ -171,13 +172,15 @@ void Instrument::reset() {
     applyHomeState();
 }
 
+// The service reset initializes the instrument whatever its state (right after Open, after an emergency stop),
+// brings the stage home and frees it.
 void Instrument::resetService() {
     if (input(Input::Emergency))
         refuse("reset the instrument", "the emergency stop is active");
     pause(1500);
     parkHeads();
-    setLockdown(false);
     hw.initialized = true;
+    setLockdown(false);
     applyHomeState();
 }
 
@@ -312,17 +315,30 @@ void Instrument::setHomeState(std::int32_t code) {
     if (code != homestate::Stop && code != homestate::Standby && code != homestate::Run)
         throw DriverError("Home state " + std::to_string(code) +
                           " is not allowed: use 1 (stop), 2 (standby) or 4 (run).");
+    if (hw.initialized && !input(Input::Emergency) && !hw.headsDown && atHome()) {
+        // At home the spindle takes the new state at once. A refusal part-way (the clamp on, then the motor
+        // refused) puts the spindle and clamp back, and the setting stays as it was.
+        const Hardware before = hw;
+        const bool vacuum = input(Input::Vacuum);
+        try {
+            setSpindleState(spindleStateAtHome(code));
+        } catch (const DriverError&) {
+            hw = before;
+            inputs_[at(Input::Vacuum)] = vacuum;
+            throw;
+        }
+    }
     measurement.homeState = code;
-    if (hw.initialized && !input(Input::Emergency) && !hw.headsDown && atHome())
-        applyHomeState();
+}
+
+std::int32_t Instrument::spindleStateAtHome(std::int32_t homeState) {
+    return homeState == homestate::Run       ? spindlestate::Run
+           : homeState == homestate::Standby ? spindlestate::Standby
+                                             : spindlestate::Off;
 }
 
 // What the spindle does whenever the heads come home.
-void Instrument::applyHomeState() {
-    setSpindleState(measurement.homeState == homestate::Run       ? spindlestate::Run
-                    : measurement.homeState == homestate::Standby ? spindlestate::Standby
-                                                                  : spindlestate::Off);
-}
+void Instrument::applyHomeState() { setSpindleState(spindleStateAtHome(measurement.homeState)); }
 
 // ---------------------------------------------------------------------------------------------------------------
 // Heads and stage
@@ -342,7 +358,8 @@ void Instrument::load() {
         refuse("load the heads", "they are already loaded");
     if (!atHome())
         refuse("load the heads", "the stage is not at home (reset the instrument first)");
-    requireSpindleRunning("load the heads");
+    if (r <= working.spinstand.diskSize.max) // off the disk the heads land on nothing that must spin
+        requireSpindleRunning("load the heads");
     if (measurement.diskSizeRestriction && r > working.spinstand.diskSize.max)
         refuse("load the heads at " + num(r) + " m",
                "the disk size restriction allows radii up to " + num(working.spinstand.diskSize.max) + " m");

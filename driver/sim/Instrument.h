@@ -116,6 +116,7 @@ private:
     void requireSafe(std::string_view action) const;
     void requireSpindleRunning(std::string_view action) const;
     void requireHeadsSafeAt(double angle, std::string_view action) const;
+    static std::int32_t spindleStateAtHome(std::int32_t homeState);
     void applyHomeState();
     void checkSpeed(std::int32_t rpm, std::string_view alternative) const;
     void parkHeads();

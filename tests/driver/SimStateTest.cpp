@@ -10,15 +10,20 @@ using sim::Input;
 
 class SimState : public SimTest {};
 
+// Outside a session the instrument answers only its state (CLOSED); every other call is refused.
 TEST_F(SimState, OpensOnlyOnItsResourceAndRefusesCallsOutsideASession) {
-    EXPECT_EQ(failure([&] { h.driver->GetState(); }), "The instrument session is not open: call Open first.");
+    EXPECT_EQ(h.driver->GetState(), state::Closed);
+    EXPECT_EQ(failure([&] { h.driver->GetSerialNumber(); }), "The instrument session is not open: call Open first.");
     const std::string wrong = failure([&] { h.driver->Open("QTB::R9999"); });
     EXPECT_NE(wrong.find("\"QTB::R9999\""), std::string::npos) << wrong;
     EXPECT_NE(wrong.find("\"QTB::R2208C\""), std::string::npos) << wrong;
+    EXPECT_EQ(h.driver->GetState(), state::Closed); // a failed Open opens nothing
     open();
     EXPECT_EQ(h.driver->GetState(), state::Uninitialized);
     h.driver->Close();
-    EXPECT_NE(failure([&] { h.service->GetSerialNumber(); }), "");
+    EXPECT_EQ(h.driver->GetState(), state::Closed);
+    EXPECT_EQ(failure([&] { h.service->GetSerialNumber(); }), "The instrument session is not open: call Open first.");
+    EXPECT_NE(failure([&] { h.service->ResetService(); }), "");
 }
 
 TEST_F(SimState, WalksFromOpenThroughHomeToLoadedAndBack) {
@@ -50,6 +55,31 @@ TEST_F(SimState, HomeStateTakesEffectAtHomeAndAfterReset) {
     h.driver->Reset();
     EXPECT_EQ(h.driver->GetState(), state::HomeStandby);
     EXPECT_EQ(h.service->GetSpindleState(), spindlestate::Standby);
+}
+
+// A home state the spindle cannot take now is refused and changes nothing: not the setting, not the clamp.
+TEST_F(SimState, RefusedHomeStateLeavesSettingAndSpindleAsTheyWere) {
+    openAndInitialize();
+    sim.setInput(Input::OuterCover, true);
+    EXPECT_NE(failure([&] { h.driver->SetHomeState(homestate::Run); }).find("outer cover is open"),
+              std::string::npos);
+    EXPECT_EQ(h.driver->GetHomeState(), homestate::Stop);
+    EXPECT_FALSE(h.clamp->GetClamp()); // the clamp that went on before the motor was refused is off again
+    EXPECT_FALSE(h.service->GetVacuum());
+    EXPECT_EQ(h.driver->GetState(), state::HomeOff);
+    sim.setInput(Input::OuterCover, false);
+
+    h.driver->SetHomeState(homestate::Run);
+    sim.setInput(Input::OuterCover, true);
+    h.driver->SetHomeState(homestate::Standby); // stopping needs no closed cover
+    EXPECT_EQ(h.driver->GetState(), state::HomeStandby);
+    sim.setInput(Input::OuterCover, false);
+
+    h.driver->SetHomeState(homestate::Stop);
+    sim.setInput(Input::SpindleSet, false);
+    EXPECT_NE(failure([&] { h.driver->SetHomeState(homestate::Standby); }).find("no disk"), std::string::npos);
+    EXPECT_EQ(h.driver->GetHomeState(), homestate::Stop);
+    EXPECT_EQ(h.driver->GetState(), state::HomeOff);
 }
 
 TEST_F(SimState, RefusesCommandsThatDoNotFitTheState) {
@@ -113,6 +143,31 @@ TEST_F(SimState, BacklashMoveLoadsOutsideTheDiskOnlyWithoutRestriction) {
     EXPECT_EQ(h.loadPosition->GetLoadPosition(loadposition::Load).rpm, 7200); // -1 kept the speed
 }
 
+// The backlash moves load at 0.05 m, beyond the disk, right after Initialize or Reset has stopped the spindle
+// (home state "stop"): off the disk the heads load without it, over the disk they still need it spinning.
+TEST_F(SimState, LoadNeedsTheSpindleOnlyOverTheDisk) {
+    openAndInitialize();
+    h.loadPosition->SetLoadPosition(loadposition::Load, {0.0475, kNoSkew}, -1); // the disk's edge
+    EXPECT_NE(failure([&] { h.driver->Load(); }).find("not running"), std::string::npos);
+
+    h.diskSize->SetDiskSizeRestriction(false);
+    h.loadPosition->SetLoadPosition(loadposition::Load, {0.05, kNoSkew}, -1);
+    h.driver->Load();
+    EXPECT_EQ(h.driver->GetState(), state::Loaded);
+    EXPECT_DOUBLE_EQ(h.driver->GetPosition().radius, 0.05);
+    EXPECT_FALSE(h.spindle->GetMotor());
+    double inner = h.service->GetMeasurementPosition(0).radius;
+    EXPECT_NE(failure([&] { h.stage->MoveTo(inner); }).find("not spinning"), std::string::npos);
+
+    h.driver->Reset(); // the next backlash move starts from a reset
+    EXPECT_EQ(h.driver->GetState(), state::HomeOff);
+    h.driver->Load();
+    EXPECT_EQ(h.driver->GetState(), state::Loaded);
+    h.driver->Unload();
+    sim.setInput(Input::Interlock, true); // the other checks still hold off the disk
+    EXPECT_NE(failure([&] { h.driver->Load(); }).find("interlock"), std::string::npos);
+}
+
 TEST_F(SimState, InputsGateMotionAndEmergencyNeedsANewInitialize) {
     openAndInitialize();
     h.clamp->SetClamp(true);
@@ -169,6 +224,25 @@ TEST_F(SimState, ServiceDirectControlDrivesEveryActuator) {
     h.service->ResetService();
     EXPECT_TRUE(h.service->GetHeadLoaderState());
     EXPECT_EQ(h.driver->GetState(), state::HomeOff);
+}
+
+// The service panel's Reset is what brings the instrument up right after Open and after an emergency stop:
+// it initializes, brings the stage home and frees it.
+TEST_F(SimState, ServiceResetInitializesAfterOpenAndAfterAnEmergencyStop) {
+    open();
+    h.service->ResetService();
+    EXPECT_EQ(h.driver->GetState(), state::HomeOff);
+
+    h.service->Jog(true, 101);
+    h.service->SetLockdown(true);
+    sim.setInput(Input::Emergency, true);
+    EXPECT_NE(failure([&] { h.service->ResetService(); }).find("emergency stop is active"), std::string::npos);
+    EXPECT_EQ(h.driver->GetState(), state::Uninitialized);
+    sim.setInput(Input::Emergency, false);
+    h.service->ResetService();
+    EXPECT_EQ(h.driver->GetState(), state::HomeOff);
+    EXPECT_FALSE(h.service->GetLockdown());
+    EXPECT_FALSE(h.service->GetLockdownSensor());
 }
 
 TEST_F(SimState, AnAbsentHeadLoaderFailsItsOperationsButStillAnswersTheQuery) {
