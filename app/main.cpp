@@ -11,10 +11,12 @@
 #include "driver/com/ComClient.h"
 #endif
 
+#include <clocale>
 #include <variant>
 
 int main(int argc, char* argv[]) {
     QApplication app(argc, argv);
+    std::setlocale(LC_TIME, ""); // the setting files' date and time in the system's forms, on every platform
     QApplication::setApplicationName(QStringLiteral("vsstool"));
     QApplication::setApplicationVersion(QStringLiteral(VSS_VERSION));
 

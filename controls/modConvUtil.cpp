@@ -1,7 +1,7 @@
 #include "controls/modConvUtil.h"
 
+#include <charconv>
 #include <cmath>
-#include <cstdio>
 #include <cstdlib>
 #include <limits>
 #include <stdexcept>
@@ -48,7 +48,9 @@ int placesAfterPoint(std::int16_t digits, int r) {
 std::string fixedPlaces(double m, int places) {
     constexpr int kSignificant = 15;
     char buf[32];
-    std::snprintf(buf, sizeof buf, "%.*e", kSignificant - 1, std::fabs(m)); // d.dddddddddddddde+XX
+    // d.dddddddddddddde+XX, with a point whatever the C locale
+    *std::to_chars(buf, buf + sizeof buf - 1, std::fabs(m), std::chars_format::scientific, kSignificant - 1).ptr =
+        '\0';
     std::string digits(1, buf[0]);
     digits.append(buf + 2, kSignificant - 1);
     int intDigits = std::atoi(buf + kSignificant + 2) + 1; // digits before the point

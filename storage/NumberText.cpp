@@ -25,9 +25,17 @@ struct Digits {
     int exponent = 0;
 };
 
-Digits significantDigits(double value) {
+// The value in scientific form with 15 significant digits, [-]d.dddddddddddddde[+-]xx, whatever the C locale
+// (the window program runs under the user's locale, whose decimal point may be a comma).
+std::string scientific15(double value) {
     char buf[40];
-    std::snprintf(buf, sizeof buf, "%.14e", value); // [-]d.dddddddddddddde[+-]xx
+    const auto result = std::to_chars(buf, buf + sizeof buf, value, std::chars_format::scientific, 14);
+    return std::string(buf, result.ptr);
+}
+
+Digits significantDigits(double value) {
+    const std::string text = scientific15(value);
+    const char* buf = text.c_str();
     Digits d;
     const char* p = buf;
     if (*p == '-') {
@@ -215,9 +223,7 @@ double roundHalfEven(double value) { return std::nearbyint(value); }
 double roundTo15Digits(double value) {
     if (!std::isfinite(value) || value == 0.0)
         return value;
-    char buf[40];
-    std::snprintf(buf, sizeof buf, "%.14e", value);
-    return *parseNumber(buf);
+    return *parseNumber(scientific15(value));
 }
 
 } // namespace vss::numbertext

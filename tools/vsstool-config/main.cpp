@@ -8,6 +8,7 @@
 #include "driver/com/ComClient.h"
 #endif
 
+#include <clocale>
 #include <iostream>
 #include <string>
 #include <vector>
@@ -42,6 +43,7 @@ std::vector<std::string> arguments(int argc, char** argv) {
 
 int main(int argc, char** argv) {
     using namespace vss::config;
+    std::setlocale(LC_TIME, ""); // the report header's date and time in the system's forms
 #ifdef VSS_HAVE_COM
     vss::com::InstallPlatformResolver(); // the real driver where it is installed
 #endif
