@@ -18,7 +18,7 @@ struct FieldPosition {
     std::string fileName;
     std::int64_t line = 0;  // 1-based; 0 when the message is about the file as a whole
     std::int64_t field = 0; // 1-based within the line
-    bool openFailed = false; // the file could not be opened
+    bool fileFailed = false; // the file could not be opened, or not written
 };
 
 // A sink that also receives the position. Sinks that do not derive from it get the text and title only.

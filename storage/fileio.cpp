@@ -69,8 +69,18 @@ fileio::~fileio() { closeFile(); }
 void fileio::closeFile() {
     if (file_ == nullptr)
         return;
-    std::fclose(file_);
+    errno = 0;
+    const bool flushed = std::fclose(file_) == 0; // a full disk shows here, when the last bytes are written
     file_ = nullptr;
+    if (!flushed && mode_ == Mode::Append && !failed_)
+        writeFailed();
+}
+
+// The file as a whole could not be written: said once, and nothing more is written to it.
+void fileio::writeFailed() {
+    failed_ = true;
+    const int error = errno != 0 ? errno : EIO;
+    report(sink_, std::strerror(error), "", FieldPosition{fileName_, 0, 0, true});
 }
 
 void fileio::setFileName(const std::string& name) {
@@ -393,7 +403,9 @@ void fileio::write(std::string_view text) {
         return;
     if (mode_ != Mode::Append)
         throw FileModeError("Bad file mode: " + fileName_ + " is open for reading");
-    std::fwrite(text.data(), 1, text.size(), file_);
+    errno = 0;
+    if (std::fwrite(text.data(), 1, text.size(), file_) != text.size())
+        writeFailed();
 }
 
 void fileio::printStr(std::string& text) {

@@ -121,6 +121,7 @@ private:
     void readUnquoted(std::string& out);
 
     void write(std::string_view text);
+    void writeFailed();
     void raise(std::string_view text);
     template <class T>
     T readWhole(std::string_view typeName);

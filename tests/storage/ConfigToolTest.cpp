@@ -125,6 +125,14 @@ TEST_F(ConfigTool, MessagesNameTheFileAndFieldAndSetTheExitCode) {
     EXPECT_NE(missing.err.find("(file " + path("missing.csv") + ")"), std::string::npos) << missing.err;
     EXPECT_EQ(missing.out, "exported setting to " + path("x.csv") + "\n") << "the later action still ran";
 
+    // A disk that fills up while the report is written (the device that is always full stands in for it).
+    if (std::filesystem::exists("/dev/full")) {
+        const ToolRun full = run("export setting /dev/full");
+        EXPECT_EQ(full.exitCode, 2);
+        EXPECT_EQ(full.err, "error: Velkor Spinstand Tool: No space left on device (file /dev/full)\n");
+        EXPECT_EQ(full.out, "");
+    }
+
     // A file of no setting sections at all (binary junk, another program's file) changes nothing, and says so.
     std::string junk;
     for (int i = 0; i < 4096; ++i)

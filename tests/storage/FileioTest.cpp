@@ -226,7 +226,7 @@ TEST(Fileio, AFileThatCannotBeOpenedReportsOnceAndStaysUnusable) {
     EXPECT_TRUE(io.readVariant().isEmpty());
     ASSERT_EQ(sink.messages.size(), 1u);
     EXPECT_EQ(sink.messages[0].title, "");
-    EXPECT_TRUE(sink.messages[0].where.openFailed);
+    EXPECT_TRUE(sink.messages[0].where.fileFailed);
     EXPECT_FALSE(sink.messages[0].text.empty());
 
     fileio toDirectory(sink);

@@ -107,7 +107,8 @@ std::string_view usageText() {
            "  --yes               restore without asking\n"
            "  --help              show this text\n"
            "\n"
-           "exit status: 0 no message, 1 messages were raised, 2 usage error or a file that could not be opened\n"
+           "exit status: 0 no message, 1 messages were raised,\n"
+           "             2 usage error or a file that could not be opened or written\n"
            "(a warning, such as a file that holds no section of the group, leaves the status as it is)\n";
 }
 

@@ -67,26 +67,26 @@ public:
            ConsoleSink& sink)
         : line_(line), h_(handles), in_(in), out_(out), sink_(sink) {}
 
-    // A file that cannot be opened has been named by the sink; nothing more is said of its action.
+    // A file that cannot be opened or written has been named by the sink; nothing more is said of its action.
     void run(const Action& action) {
-        const int openFailures = sink_.openFailures();
-        const auto opened = [&] { return sink_.openFailures() == openFailures; };
+        const int fileFailures = sink_.fileFailures();
+        const auto fileOk = [&] { return sink_.fileFailures() == fileFailures; };
         switch (action.verb) {
         case Verb::Export:
             ExportGroup(findGroup(action.group)->group, action.file, h_, sink_);
-            if (opened())
+            if (fileOk())
                 note("exported " + action.group + " to " + action.file);
             break;
         case Verb::Import:
             if (ImportGroup(findGroup(action.group)->importCode, action.file, h_, sink_) > 0)
                 note("imported " + action.group + " from " + action.file);
-            else if (opened())
+            else if (fileOk())
                 sink_.warning(action.file + " holds no section of the group " + action.group +
                               ": nothing was imported");
             break;
         case Verb::Backup:
             ExportAllGroups(action.file, h_, sink_);
-            if (opened())
+            if (fileOk())
                 note("backed up every group to " + action.file);
             break;
         case Verb::Diff:
@@ -112,7 +112,7 @@ private:
     // Every importable group's differences, each item once. Nothing when the file cannot be opened or holds no
     // setting section at all (said on the error stream).
     std::optional<std::vector<SettingDifference>> differences(const std::string& file, MessageSink& sink) {
-        const int openFailures = sink_.openFailures();
+        const int fileFailures = sink_.fileFailures();
         std::vector<SettingDifference> all;
         std::set<std::string> seen;
         int sections = 0;
@@ -120,7 +120,7 @@ private:
             if (g.importCode == 0)
                 continue;
             GroupDifferences group = DiffGroup(g.importCode, file, h_, sink);
-            if (sink_.openFailures() > openFailures)
+            if (sink_.fileFailures() > fileFailures)
                 return std::nullopt;
             sections += group.sections;
             for (auto& d : group.differences)
@@ -185,10 +185,10 @@ private:
 
 void ConsoleSink::showAt(std::string_view text, std::string_view title, const FieldPosition& where) {
     ++messages_;
-    if (where.openFailed)
-        ++openFailures_;
+    if (where.fileFailed)
+        ++fileFailures_;
     err_ << "error: " << (title.empty() ? kAppTitle : title) << ": " << text;
-    if (!where.fileName.empty() || where.openFailed) {
+    if (!where.fileName.empty() || where.fileFailed) {
         err_ << " (file " << where.fileName;
         if (where.line > 0)
             err_ << ", line " << where.line << ", field " << where.field;
@@ -242,7 +242,7 @@ int runTool(const CommandLine& line, std::istream& in, std::ostream& out, std::o
     } catch (const std::exception& e) {
         sink.error(e.what());
     }
-    if (sink.openFailures() > 0)
+    if (sink.fileFailures() > 0)
         return 2;
     return sink.messages() > 0 ? 1 : 0;
 }

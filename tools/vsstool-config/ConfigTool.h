@@ -22,15 +22,16 @@ public:
     void warning(std::string_view text);
 
     int messages() const { return messages_; }
-    int openFailures() const { return openFailures_; }
+    int fileFailures() const { return fileFailures_; }
 
 private:
     std::ostream& err_;
     int messages_ = 0;
-    int openFailures_ = 0;
+    int fileFailures_ = 0;
 };
 
-// Exit status: 0 when no message was raised, 1 when messages were raised, 2 for a file that could not be opened.
+// Exit status: 0 when no message was raised, 1 when messages were raised, 2 for a file that could not be
+// opened or written.
 int runTool(const CommandLine& line, std::istream& in, std::ostream& out, std::ostream& err);
 
 } // namespace vss::config
