@@ -3,6 +3,7 @@
 #include "driver/DriverError.h"
 #include "driver/Trace.h"
 
+#include <charconv>
 #include <cmath>
 #include <cstdlib>
 
@@ -37,9 +38,15 @@ double numericValue(std::string_view what, const Variant& value) {
         return value.toDouble();
     case Variant::Type::Text: {
         const std::string& t = value.text();
-        char* end = nullptr;
-        const double d = std::strtod(t.c_str(), &end);
-        if (!t.empty() && end == t.c_str() + t.size())
+        const char* first = t.data();
+        const char* const last = t.data() + t.size();
+        while (first != last && *first == ' ')
+            ++first;
+        if (first != last && *first == '+' && first + 1 != last && first[1] != '-')
+            ++first;
+        double d = 0.0; // read with a decimal point whatever the C locale
+        const auto [end, ec] = std::from_chars(first, last, d);
+        if (first != last && ec == std::errc() && end == last)
             return d;
         throw DriverError(std::string(what) + " takes a number, not the text " + traceformat::text(t) + ".");
     }
