@@ -1,7 +1,6 @@
 #include "app/Form.h"
 
 #include "app/Messages.h"
-#include "app/WaitCursor.h"
 #include "app/modGlobal.h"
 #include "controls/Twips.h"
 
@@ -32,6 +31,15 @@ void collectControls(const QWidget* parent, QList<QWidget*>& out) {
     }
 }
 
+// Whether object is owner's child, grandchild and so on, across window boundaries.
+bool ownedBy(const QObject* object, const QObject* owner) {
+    for (const QObject* p = object->parent(); p; p = p->parent()) {
+        if (p == owner)
+            return true;
+    }
+    return false;
+}
+
 } // namespace
 
 QString appTitle() {
@@ -42,9 +50,7 @@ Form::Form(QWidget* parent) : QDialog(parent) {
     setWindowFlags(Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowCloseButtonHint);
 }
 
-Form::~Form() {
-    releaseWaitCursor();
-}
+Form::~Form() = default;
 
 QList<QWidget*> Form::controls() const {
     QList<QWidget*> out;
@@ -53,26 +59,25 @@ QList<QWidget*> Form::controls() const {
 }
 
 void Form::disableAllControls() {
+    // Busy first: disabling the control that has the focus, or the frame around it, takes the focus away at
+    // once, and a text box commits then.
+    busy_ = true;
+    if (!waitCursor_)
+        waitCursor_.emplace();
     for (QWidget* control : controls())
         control->setEnabled(false);
-    if (!waitCursor_) {
-        pushWaitCursor();
-        waitCursor_ = true;
-    }
     QCoreApplication::processEvents();
 }
 
 void Form::enableAllControls() {
     for (QWidget* control : controls())
         control->setEnabled(true);
-    releaseWaitCursor();
+    endBusy();
 }
 
-void Form::releaseWaitCursor() {
-    if (!waitCursor_)
-        return;
-    waitCursor_ = false;
-    popWaitCursor();
+void Form::endBusy() {
+    busy_ = false;
+    waitCursor_.reset();
 }
 
 bool Form::trapErrors(const std::function<void()>& steps) {
@@ -101,6 +106,13 @@ bool Form::openModal(const FormFactory& make) {
     });
 }
 
+void Form::closeWindowsAbove() {
+    while (QWidget* top = QApplication::activeModalWidget()) {
+        if (!ownedBy(top, this) || !top->close() || QApplication::activeModalWidget() == top)
+            return;
+    }
+}
+
 int Form::execModal(Form& target) {
     const WaitCursorLift lift;
     return target.exec();
@@ -111,7 +123,7 @@ void Form::done(int result) {
         unloaded_ = true;
         onUnload();
     }
-    releaseWaitCursor();
+    endBusy();
     QDialog::done(result);
 }
 

@@ -3,10 +3,13 @@
 // The base of every window of the program. A window is built in code with its geometry in twips, has the busy
 // bracket that every handler talking to the instrument runs in, and opens other windows modally.
 
+#include "app/WaitCursor.h"
+
 #include <QDialog>
 #include <QList>
 #include <functional>
 #include <memory>
+#include <optional>
 
 class QLabel;
 class QPushButton;
@@ -32,13 +35,15 @@ public:
     // The window's controls in the order they were created; frames are walked into, other windows are not.
     QList<QWidget*> controls() const;
 
-    // The busy bracket. disableAllControls disables every control in order, shows the wait cursor and lets
-    // the window repaint once before the blocking work that follows; enableAllControls enables every control
-    // again and takes the wait cursor away. A window may extend enableAllControls (the operation panel
-    // refreshes its status after it); it calls this base first.
+    // The busy bracket. disableAllControls makes the window busy and shows the wait cursor, disables every
+    // control in order and lets the window repaint once before the blocking work that follows;
+    // enableAllControls enables every control again and ends the busy state. A window may extend
+    // enableAllControls (the operation panel refreshes its status after it); it calls this base first.
     void disableAllControls();
     virtual void enableAllControls();
-    bool isBusy() const { return waitCursor_; }
+    // Busy from the first step of disableAllControls (what a control commits as it loses the focus to the
+    // disabling already sees it) until enableAllControls or the window's unload.
+    bool isBusy() const { return busy_; }
 
     // Runs a handler's steps inside the bracket. The first step that fails stops the rest; its description is
     // shown in a message box. The controls are enabled again in every case. Returns whether every step ran,
@@ -61,6 +66,12 @@ protected:
 
     // The window's unload handler: runs once when the window closes, however it is closed.
     virtual void onUnload() {}
+    // Whether the window has closed (its unload handler has run or is running).
+    bool isUnloaded() const { return unloaded_; }
+
+    // Closes every modal window shown above this one (the windows it opened, their message boxes and file
+    // dialogs), the top-most first, as their close boxes would.
+    void closeWindowsAbove();
 
     void done(int result) override;
     void keyPressEvent(QKeyEvent* event) override;
@@ -73,9 +84,10 @@ protected:
     QLabel* addLabel(const char* name, const QString& caption, int left, int top, int width, int height);
 
 private:
-    void releaseWaitCursor();
+    void endBusy();
 
-    bool waitCursor_ = false;
+    bool busy_ = false;
+    std::optional<WaitCursor> waitCursor_;
     bool unloaded_ = false;
 };
 

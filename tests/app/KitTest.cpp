@@ -6,11 +6,14 @@
 #include "driver/DriverError.h"
 #include "tests/support/WindowHarness.h"
 
+#include <QApplication>
 #include <QCheckBox>
 #include <QGroupBox>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QTest>
 #include <gtest/gtest.h>
+#include <memory>
 
 namespace vss {
 namespace {
@@ -97,6 +100,83 @@ TEST(BusyBracket, ClosingABusyWindowTakesItsWaitCursorAway) {
     w->disableAllControls();
     w->accept();
     EXPECT_FALSE(WindowHarness::waitCursorShown());
+}
+
+// Whether the window was busy each time the watched control lost the focus.
+class FocusOutWatch : public QObject {
+public:
+    explicit FocusOutWatch(const Form& window) : window_(window) {}
+    std::vector<bool> busy;
+    bool eventFilter(QObject*, QEvent* event) override {
+        if (event->type() == QEvent::FocusOut)
+            busy.push_back(window_.isBusy());
+        return false;
+    }
+
+private:
+    const Form& window_;
+};
+
+TEST(BusyBracket, AControlLosingTheFocusAsItIsDisabledFindsTheWindowBusy) {
+    WindowHarness harness;
+    SampleWindow w;
+    w.show();
+    QApplication::setActiveWindow(&w);
+    // The text box is disabled itself; the check box loses the focus when its frame is disabled.
+    for (QWidget* focused : {static_cast<QWidget*>(w.text), static_cast<QWidget*>(w.inner)}) {
+        SCOPED_TRACE(focused->objectName().toStdString());
+        QTest::mouseClick(focused, Qt::LeftButton);
+        ASSERT_TRUE(focused->hasFocus());
+        FocusOutWatch watch(w);
+        focused->installEventFilter(&watch);
+        EXPECT_TRUE(w.runBusy([] {}));
+        focused->removeEventFilter(&watch);
+        ASSERT_EQ(watch.busy.size(), 1U);
+        EXPECT_TRUE(watch.busy[0]) << "what the control commits as it loses the focus must see a busy window";
+    }
+}
+
+// A window that another opens modally.
+class ChildWindow : public Form {
+public:
+    using Form::Form;
+};
+
+TEST(BusyBracket, AWindowClosedWhileItsWaitCursorIsLiftedLeavesNoCursorBehind) {
+    WindowHarness harness;
+    {
+        // Closed while the message of its failed step is up.
+        SampleWindow w;
+        w.show();
+        setMessageHandler([&](const std::string&, const std::string&) { w.close(); });
+        EXPECT_FALSE(w.runBusy([] { throw DriverError("Spindle fault"); }));
+        EXPECT_FALSE(w.isVisible());
+        EXPECT_EQ(QApplication::overrideCursor(), nullptr);
+    }
+    {
+        // Closed while a window it opened is up.
+        SampleWindow w;
+        w.show();
+        harness.whenActive<ChildWindow>([&](ChildWindow& child) {
+            w.close();
+            EXPECT_FALSE(WindowHarness::waitCursorShown()) << "the child is answered with the normal cursor";
+            child.close();
+        });
+        EXPECT_TRUE(w.openModal([](QWidget* parent) { return std::make_unique<ChildWindow>(parent); }));
+        EXPECT_FALSE(w.isVisible());
+        EXPECT_EQ(QApplication::overrideCursor(), nullptr);
+    }
+    {
+        // Still busy when the child closes: its cursor is back until it is done.
+        SampleWindow w;
+        w.show();
+        harness.whenActive<ChildWindow>([](ChildWindow& child) { child.close(); });
+        w.disableAllControls();
+        Form::execModal(*std::make_unique<ChildWindow>(&w));
+        EXPECT_TRUE(WindowHarness::waitCursorShown());
+        w.enableAllControls();
+        EXPECT_EQ(QApplication::overrideCursor(), nullptr);
+    }
 }
 
 TEST(MessageSeam, StorageMessagesAndWindowMessagesArriveWithTheirTitles) {
