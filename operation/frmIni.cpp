@@ -221,7 +221,8 @@ void frmIni::mousePressEvent(QMouseEvent* event) {
 
 void frmIni::enableAllControls() {
     Form::enableAllControls();
-    trapErrors([this] { refreshStatus(); });
+    if (!isUnloaded()) // a command that the interlock cut short reads nothing more
+        trapErrors([this] { refreshStatus(); });
 }
 
 void frmIni::onUnload() {
@@ -236,6 +237,8 @@ void frmIni::tmrUpdate_Timer() {
     if (readOr([] { return handles().interlock->GetInterlock(); }, false)) {
         tmrUpdate_.stop(); // before the message, so that no second tick finds the interlock again
         showMessage("Interlock is detected.");
+        // The interlock ends the whole check: a window opened from the panel closes with it.
+        closeWindowsAbove();
         accept();
         return;
     }
@@ -352,7 +355,7 @@ void frmIni::initPositionDefaults() {
 // Commands
 
 void frmIni::openNeighbour(const FormFactory& make) {
-    if (openModal(make))
+    if (openModal(make) && !isUnloaded())
         trapErrors([this] { refreshAll(); });
 }
 

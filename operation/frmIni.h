@@ -4,8 +4,9 @@
 // commands of an operation check. Every command runs in the busy bracket, and the panel's own
 // enableAllControls refreshes the status afterwards, so the position buttons follow the state after every
 // command, also one that failed. A 200 ms timer watches the interlock and the inputs; an interlock closes the
-// panel after one message. The direct spindle and head-loader controls lie below the panel's normal height
-// and are revealed by a right click with Shift and Ctrl held on the background.
+// panel, and any window opened from it, after one message. The direct spindle and head-loader controls lie
+// below the panel's normal height and are revealed by a right click with Shift and Ctrl held on the
+// background.
 
 #include "app/CommandForm.h"
 

@@ -1,15 +1,20 @@
 // The operation panel with real clicks and keys on the simulated instrument, checked against its trace.
 
 #include "app/Messages.h"
+#include "app/frmVersion.h"
 #include "app/modGlobal.h"
 #include "controls/Twips.h"
 #include "controls/userProperty.h"
+#include "operation/frmIniPiezo.h"
+#include "operation/frmIniSetting.h"
 #include "tests/operation/OperationHarness.h"
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QCloseEvent>
 #include <QComboBox>
 #include <QTest>
+#include <QWindow>
 #include <gtest/gtest.h>
 
 namespace vss {
@@ -40,6 +45,27 @@ void expectUsable(frmIni& panel, bool loaded) {
         EXPECT_EQ(c->isEnabled(), !positionButton || loaded) << name;
     }
     EXPECT_FALSE(WindowHarness::waitCursorShown());
+}
+
+// The window's close box: the window system asks the window to close.
+void clickCloseBox(QWidget& window) {
+    QCloseEvent close;
+    QCoreApplication::sendEvent(window.windowHandle(), &close);
+}
+
+// Types into a value field and leaves the text there, not committed.
+void typeWithoutCommit(QWidget& window, const char* fieldName, const QString& text) {
+    QLineEdit& box = fieldBox(window, fieldName);
+    box.setFocus();
+    box.selectAll();
+    QTest::keyClicks(&box, text);
+}
+
+Lines spindleSpeedsSent(const Lines& trace) {
+    Lines sent;
+    std::copy_if(trace.begin(), trace.end(), std::back_inserter(sent),
+                 [](const std::string& l) { return l.starts_with("IDriver.SetSpindleSpeed("); });
+    return sent;
 }
 
 void loadHeads(frmIni& panel) {
@@ -323,6 +349,96 @@ TEST(OperationPanel, TheInterlockClosesThePanelAfterOneMessageAndPollingStops) {
     });
     EXPECT_TRUE(panelClosed);
     EXPECT_EQ(messages, 1);
+}
+
+// The speed field gives up the focus when the panel turns busy: a speed typed but not committed is dropped
+// then, whether the panel is closed with its close box or another command starts.
+TEST(OperationPanel, ASpeedTypedButNotCommittedIsDroppedWhenThePanelTurnsBusy) {
+    {
+        SCOPED_TRACE("close box");
+        WindowHarness harness;
+        withPanel(harness, [&](frmIni& panel) {
+            typeWithoutCommit(panel, "usrRpm", "5400");
+            harness.clearTrace();
+            clickCloseBox(panel);
+            EXPECT_FALSE(panel.isVisible());
+            EXPECT_EQ(spindleSpeedsSent(harness.trace()), Lines{});
+            EXPECT_EQ(withoutPolling(harness.trace()), Lines{}) << "a closing panel reads nothing either";
+        });
+        EXPECT_TRUE(harness.messages().empty());
+    }
+    {
+        SCOPED_TRACE("up arrow");
+        WindowHarness harness;
+        withPanel(harness, [&](frmIni& panel) {
+            typeWithoutCommit(panel, "usrRpm", "5400");
+            harness.clearTrace();
+            QTest::mouseClick(WindowHarness::control(panel, "updnRpm").findChild<QAbstractButton*>("up"),
+                              Qt::LeftButton);
+            EXPECT_EQ(spindleSpeedsSent(harness.trace()), Lines{"IDriver.SetSpindleSpeed(10000)"})
+                << "one step up from the instrument's 7200 rpm, and nothing else";
+            EXPECT_EQ(fieldBox(panel, "usrRpm").text(), "10000");
+            expectUsable(panel, false);
+        });
+        EXPECT_TRUE(harness.messages().empty());
+    }
+}
+
+// While a command's error message is up the panel goes on polling; an interlock then closes the panel, and
+// once everything has closed no wait cursor is left over.
+TEST(OperationPanel, AnInterlockWhileACommandsErrorIsUpLeavesNoWaitCursor) {
+    WindowHarness harness;
+    Lines shown;
+    setMessageHandler([&](const std::string& text, const std::string&) {
+        shown.push_back(text);
+        if (shown.size() == 1) {
+            harness.sim().setInput(sim::Input::Interlock, true);
+            QTest::qWait(frmIni::kPollMs * 3);
+        }
+    });
+    withPanel(harness, [&](frmIni& panel) {
+        harness.sim().failOperation("IDriver.Load", "Load refused");
+        WindowHarness::click(panel, "cmdLoad");
+        EXPECT_FALSE(panel.isVisible());
+    });
+    EXPECT_EQ(shown, (Lines{"Load refused", "Interlock is detected."}));
+    EXPECT_EQ(QApplication::overrideCursor(), nullptr);
+}
+
+// An interlock while a window opened from the panel is up ends the whole check: that window closes too,
+// without a driver call of its own, then the panel, after one message; nothing polls afterwards.
+template <class Neighbour> void interlockWhileOpen(const char* button) {
+    SCOPED_TRACE(button);
+    WindowHarness harness;
+    withPanel(harness, [&](frmIni& panel) {
+        harness.whenActive<Neighbour>([&](Neighbour& neighbour) {
+            harness.clearTrace();
+            harness.sim().setInput(sim::Input::Interlock, true);
+            const bool closed = QTest::qWaitFor([&] { return !neighbour.isVisible(); }, frmIni::kPollMs * 10);
+            EXPECT_TRUE(closed);
+            if (!closed)
+                WindowHarness::click(neighbour, "cmdReturn");
+        });
+        WindowHarness::click(panel, button);
+        EXPECT_FALSE(panel.isVisible());
+        const Lines calls = harness.trace();
+        EXPECT_FALSE(calls.empty());
+        for (const std::string& call : calls)
+            EXPECT_TRUE(call.starts_with("IDriverInterlock.GetInterlock()")) << call;
+
+        harness.clearTrace();
+        QTest::qWait(frmIni::kPollMs * 3);
+        EXPECT_FALSE(contains(harness.trace(), "IDriverInterlock")) << "no poll after the panel closed";
+    });
+    ASSERT_EQ(harness.messages().size(), 1U);
+    EXPECT_EQ(harness.messages()[0].text, "Interlock is detected.");
+    EXPECT_EQ(QApplication::overrideCursor(), nullptr);
+}
+
+TEST(OperationPanel, AnInterlockClosesTheWindowOpenedFromThePanelAndThenThePanel) {
+    interlockWhileOpen<frmIniSetting>("cmdSetting");
+    interlockWhileOpen<frmIniPiezo>("cmdPiezo");
+    interlockWhileOpen<frmVersion>("cmdVersion");
 }
 
 TEST(OperationPanel, TheGestureShowsAndHidesTheDirectControls) {
