@@ -37,7 +37,8 @@ std::int16_t indexOfSpeed(std::span<const std::int32_t> list, std::int32_t speed
 // with it); an index before the start gives 0; the result is then brought into the range.
 std::int32_t speedAtIndex(std::span<const std::int32_t> list, std::int16_t& index, SpeedRange range);
 
-// The next speed down or up from `current` in the list, within the range.
+// The spindle speed stepping: the next speed down (direction < 0) or up from `current` in the list, within
+// the range.
 std::int32_t stepSpeed(std::span<const std::int32_t> list, std::int32_t current, SpeedRange range,
                        int direction);
 

@@ -190,8 +190,8 @@ void frmIni::build() {
         connect(rpmBox, &QLineEdit::textEdited, this, [this] { rpmTyped_ = true; });
         rpmBox->installEventFilter(this);
     }
-    connect(updnRpm, &UpDown::down, this, [this] { stepSpeed(-1); });
-    connect(updnRpm, &UpDown::up, this, [this] { stepSpeed(+1); });
+    connect(updnRpm, &UpDown::down, this, [this] { updnRpm_Click(-1); });
+    connect(updnRpm, &UpDown::up, this, [this] { updnRpm_Click(+1); });
     connect(cmdReset, &QPushButton::clicked, this, &frmIni::cmdReset_Click);
     connect(cmdSetting, &QPushButton::clicked, this, [this] { openNeighbour(makeWindow<frmIniSetting>()); });
     connect(cmdPiezo, &QPushButton::clicked, this, [this] { openNeighbour(makeWindow<frmIniPiezo>()); });
@@ -439,17 +439,17 @@ bool frmIni::eventFilter(QObject* watched, QEvent* event) {
     return CommandForm::eventFilter(watched, event);
 }
 
-// The stepped speed comes from the speed list, searched for the instrument's speed, within its range.
-void frmIni::stepSpeed(int direction) {
+// The stepped speed comes from the speed list, searched for the instrument's speed, within its range. The
+// command reads the speed once itself (a failing read stops it); the stepping reads it again, and the range,
+// with the defaults standing in for what cannot be read.
+void frmIni::updnRpm_Click(int direction) {
     command([this, direction] {
         handles().driver->GetSpindleSpeed();
         const std::int32_t current =
             readOr([] { return handles().driver->GetSpindleSpeed(); }, operation::kDefaultSpeed);
-        auto index = static_cast<std::int16_t>(operation::indexOfSpeed(globals().spindleSpeeds, current) +
-                                               (direction < 0 ? -1 : 1));
         const SpeedRange range =
             readOr([] { return handles().driver->GetSpeedRange(); }, operation::kDefaultSpeedRange);
-        applySpeed(operation::speedAtIndex(globals().spindleSpeeds, index, range));
+        applySpeed(operation::stepSpeed(globals().spindleSpeeds, current, range, direction));
     });
 }
 

@@ -82,7 +82,7 @@ private:
     void cmbStateAtHome_Click(int index);
     void usrRpm_ChangeValue();
     void cmdReset_Click();
-    void stepSpeed(int direction);
+    void updnRpm_Click(int direction);
     void applySpeed(std::int32_t rpm);
 
     QTimer tmrUpdate_;
