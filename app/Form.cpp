@@ -10,6 +10,7 @@
 #include <QLabel>
 #include <QPushButton>
 #include <exception>
+#include <utility>
 
 namespace vss {
 namespace {
@@ -64,15 +65,22 @@ void Form::disableAllControls() {
     busy_ = true;
     if (!waitCursor_)
         waitCursor_.emplace();
+    if (!focusBeforeBusy_)
+        focusBeforeBusy_ = focusWidget();
     for (QWidget* control : controls())
         control->setEnabled(false);
     QCoreApplication::processEvents();
 }
 
+// The focus goes back where it was (or where the user was moving it when a field's commit made the window
+// busy), so that the user goes on typing or tabbing as if the window had not been busy.
 void Form::enableAllControls() {
     for (QWidget* control : controls())
         control->setEnabled(true);
+    const QPointer<QWidget> focus = std::exchange(focusBeforeBusy_, nullptr);
     endBusy();
+    if (focus && !unloaded_ && isVisible() && focus->isEnabled() && focus->isVisible() && focus->window() == this)
+        focus->setFocus(Qt::OtherFocusReason);
 }
 
 void Form::endBusy() {

@@ -7,6 +7,7 @@
 
 #include <QDialog>
 #include <QList>
+#include <QPointer>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -88,6 +89,7 @@ private:
 
     bool busy_ = false;
     std::optional<WaitCursor> waitCursor_;
+    QPointer<QWidget> focusBeforeBusy_;
     bool unloaded_ = false;
 };
 

@@ -136,6 +136,40 @@ TEST(BusyBracket, AControlLosingTheFocusAsItIsDisabledFindsTheWindowBusy) {
     }
 }
 
+// A field whose commit runs a command as the user leaves it: the focus lands where the user moved it, and a
+// command started from a field (Enter) gives the focus back to that field, so that typing goes on.
+TEST(BusyBracket, AfterTheBracketTheFocusIsWhereTheUserPutIt) {
+    WindowHarness harness;
+    SampleWindow w;
+    w.show();
+    QApplication::setActiveWindow(&w);
+    int commands = 0;
+    struct CommitOnLeave : QObject {
+        SampleWindow* window;
+        int* commands;
+        bool eventFilter(QObject*, QEvent* event) override {
+            if (event->type() == QEvent::FocusOut && !window->isBusy())
+                window->runBusy([this] { ++*commands; });
+            return false;
+        }
+    } commitOnLeave;
+    commitOnLeave.window = &w;
+    commitOnLeave.commands = &commands;
+    w.text->installEventFilter(&commitOnLeave);
+
+    QTest::mouseClick(w.text, Qt::LeftButton);
+    QTest::mouseClick(w.inner, Qt::LeftButton); // leaving the field for the check box
+    EXPECT_EQ(commands, 1);
+    EXPECT_TRUE(w.inner->hasFocus());
+
+    w.text->setFocus();
+    EXPECT_EQ(commands, 1);
+    EXPECT_TRUE(w.runBusy([] {})); // a command from the field itself, as Enter starts one
+    EXPECT_TRUE(w.text->hasFocus());
+    EXPECT_EQ(commands, 1) << "the bracket's own focus changes commit nothing";
+    w.text->removeEventFilter(&commitOnLeave);
+}
+
 // A window that another opens modally.
 class ChildWindow : public Form {
 public:
