@@ -100,7 +100,9 @@ bool Form::trapErrors(const std::function<void()>& steps) {
 
 bool Form::runBusy(const std::function<void()>& steps) {
     disableAllControls();
-    const bool ok = trapErrors(steps);
+    // The window repaints before the steps, and a timer may close it then (the panel's interlock poll): a
+    // closed window starts nothing more.
+    const bool ok = !unloaded_ && trapErrors(steps);
     enableAllControls();
     return ok;
 }

@@ -48,7 +48,8 @@ public:
 
     // Runs a handler's steps inside the bracket. The first step that fails stops the rest; its description is
     // shown in a message box. The controls are enabled again in every case. Returns whether every step ran,
-    // so that the caller can skip its follow-up after a failure.
+    // so that the caller can skip its follow-up after a failure. A window that closes while it repaints at
+    // the start of the bracket runs no step.
     bool runBusy(const std::function<void()>& steps);
 
     // Opens another window: disable, create the target, show it modally, enable. A failure while creating or

@@ -12,6 +12,7 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QTest>
+#include <QTimer>
 #include <gtest/gtest.h>
 #include <memory>
 
@@ -134,6 +135,19 @@ TEST(BusyBracket, AControlLosingTheFocusAsItIsDisabledFindsTheWindowBusy) {
         ASSERT_EQ(watch.busy.size(), 1U);
         EXPECT_TRUE(watch.busy[0]) << "what the control commits as it loses the focus must see a busy window";
     }
+}
+
+// A timer that closes the window while it repaints at the start of the bracket (the operation panel's
+// interlock poll does) leaves nothing to run on the closed window.
+TEST(BusyBracket, AWindowClosedAsTheBracketStartsRunsNoStep) {
+    WindowHarness harness;
+    SampleWindow w;
+    w.show();
+    QTimer::singleShot(0, &w, [&w] { w.accept(); });
+    bool ran = false;
+    EXPECT_FALSE(w.runBusy([&ran] { ran = true; }));
+    EXPECT_FALSE(ran);
+    EXPECT_FALSE(WindowHarness::waitCursorShown());
 }
 
 // A field whose commit runs a command as the user leaves it: the focus lands where the user moved it, and a
