@@ -119,12 +119,17 @@ TEST(MeasurementSettings, ListAndCheckBoxWriteAndFailuresAreReportedOnceWithoutT
     });
 }
 
-TEST(MeasurementSettings, ExportAndImportRestoreTheSettingGroup) {
-    WindowHarness harness;
-    QTemporaryDir dir;
+// The next two file dialogs, Export's and then Import's, both choose one scratch setting file.
+void answerExportThenImport(WindowHarness& harness, const QTemporaryDir& dir) {
     const std::string file = dir.filePath(QStringLiteral("setting.csv")).toStdString();
     harness.answerFileDialog(file);
     harness.answerFileDialog(file);
+}
+
+TEST(MeasurementSettings, ExportAndImportRestoreTheSettingGroup) {
+    WindowHarness harness;
+    QTemporaryDir dir;
+    answerExportThenImport(harness, dir);
     fromPanel<frmIniSetting>(harness, "cmdSetting", [&](frmIniSetting& w) {
         WindowHarness::click(w, "cmdExport");
         handles().driver->SetLoadMethod(2);
@@ -151,9 +156,7 @@ TEST(MeasurementSettings, ExportAndImportRestoreTheSettingGroup) {
 TEST(MeasurementSettings, AnImportTheInstrumentRefusesStopsThereWithoutAMessage) {
     WindowHarness harness;
     QTemporaryDir dir;
-    const std::string file = dir.filePath(QStringLiteral("setting.csv")).toStdString();
-    harness.answerFileDialog(file);
-    harness.answerFileDialog(file);
+    answerExportThenImport(harness, dir);
     fromPanel<frmIniSetting>(harness, "cmdSetting", [&](frmIniSetting& w) {
         WindowHarness::click(w, "cmdExport");
         const bool restriction = handles().diskSize->GetDiskSizeRestriction();
