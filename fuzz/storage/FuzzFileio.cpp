@@ -1,13 +1,23 @@
-// The field reader on arbitrary bytes: every typed read, in an order the input chooses.
+// The field reader on arbitrary bytes: every typed read, in an order the input chooses, at the start of the file
+// or across the end of the first read buffer.
 
 #include "fuzz/storage/FuzzInput.h"
 #include "storage/fileio.h"
 
+#include <string>
+
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::uint8_t selector = size > 0 ? data[0] : 0;
+    // An input whose first byte has its high bit set starts just before the end of the reader's first buffer
+    // (the second byte says how far before), after one comment line, so that its fields straddle the refill.
+    std::string prefix;
+    if (size >= 2 && (selector & 0x80) != 0) {
+        prefix.assign(vss::fileio::kReadBufferSize - 2 - data[1] % 64, ';');
+        prefix += '\n';
+    }
     vss::fuzz::CountingSink sink;
     vss::fileio io(sink);
-    io.setFileName(vss::fuzz::writeInput(data, size));
+    io.setFileName(vss::fuzz::writeInput(data, size, prefix));
     // Bounded: at most one read per byte and a few past the end (reads there repeat the last field).
     for (std::size_t i = 0; i < size + 4; ++i) {
         try {

@@ -15,11 +15,13 @@
 
 namespace vss::fuzz {
 
-inline std::string writeInput(const std::uint8_t* data, std::size_t size) {
+// The input, after `prefix` when one is given.
+inline std::string writeInput(const std::uint8_t* data, std::size_t size, std::string_view prefix = {}) {
     static const std::string path =
         (std::filesystem::temp_directory_path() / ("vss-fuzz-" + std::to_string(::getpid()) + ".csv")).string();
     std::FILE* f = std::fopen(path.c_str(), "wb");
     if (f != nullptr) {
+        std::fwrite(prefix.data(), 1, prefix.size(), f);
         std::fwrite(data, 1, size, f);
         std::fclose(f);
     }
