@@ -1,20 +1,14 @@
 #include "app/Navigation.h"
 
-#include "app/frmVersion.h"
+#include "kit/frmVersion.h"
 #include "operation/OperationWindows.h"
 
 namespace vss {
 
-// The shell's own windows, then each window library registers the windows the menus open from it, one line
-// each.
-MenuWindows& menuWindows() {
-    static MenuWindows windows = [] {
-        MenuWindows w;
-        w.version = [](QWidget* parent) { return std::make_unique<frmVersion>(parent, true); };
-        registerOperationWindows(w);
-        return w;
-    }();
-    return windows;
+// The shell's own windows, then each window library registers the windows that are opened from outside it.
+void registerWindows(MenuWindows& windows) {
+    windows.version = [](QWidget* parent) { return std::make_unique<frmVersion>(parent, true); };
+    registerOperationWindows(windows);
 }
 
 } // namespace vss

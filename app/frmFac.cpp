@@ -1,6 +1,6 @@
 #include "app/frmFac.h"
 
-#include "app/Navigation.h"
+#include "kit/Navigation.h"
 
 #include <QPushButton>
 
@@ -17,7 +17,7 @@ frmFac::frmFac(QWidget* parent) : Form(parent) {
     QPushButton* cmdReturn = addButton("cmdReturn", QStringLiteral("Return"), 2820, 1560, 975, 375);
 
     connect(cmdSpinstand, &QPushButton::clicked, this,
-            [this] { openModal(menuWindows().spinstandSettings); });
+            [this] { openModal(withViewOnly(menuWindows().spinstandSettings, false)); });
     connect(cmdPiezo, &QPushButton::clicked, this, [this] { openModal(menuWindows().piezoSettings); });
     connect(cmdVersion, &QPushButton::clicked, this, [this] { openModal(menuWindows().version); });
     connect(cmdReturn, &QPushButton::clicked, this, &Form::accept);

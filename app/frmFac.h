@@ -2,7 +2,7 @@
 
 // The factory menu: the spinstand and piezo settings and the version data, each opened modally.
 
-#include "app/Form.h"
+#include "kit/Form.h"
 
 namespace vss {
 

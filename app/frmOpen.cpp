@@ -1,8 +1,8 @@
 #include "app/frmOpen.h"
 
-#include "app/Navigation.h"
+#include "kit/Navigation.h"
 #include "app/frmFac.h"
-#include "app/modGlobal.h"
+#include "kit/modGlobal.h"
 #include "controls/Twips.h"
 #include "driver/Types.h"
 
@@ -74,7 +74,7 @@ frmOpen::frmOpen(QWidget* parent) : Form(parent) {
     connect(cmdClose, &QPushButton::clicked, this, &Form::accept);
     connect(cmdInitialize, &QPushButton::clicked, this, &frmOpen::cmdInitialize_Click);
     connect(cmdCustomize, &QPushButton::clicked, this,
-            [this] { openModal(menuWindows().measurementPositions); });
+            [this] { openModal(withViewOnly(menuWindows().measurementPositions, false)); });
     connect(cmdService, &QPushButton::clicked, this, [this] { openModal(menuWindows().servicePanel); });
     connect(cmdSerSet, &QPushButton::clicked, this, [this] { openModal(menuWindows().serviceSettings); });
     connect(cmdFactory, &QPushButton::clicked, this,
@@ -84,9 +84,14 @@ frmOpen::frmOpen(QWidget* parent) : Form(parent) {
     setLevel(0);
 }
 
+// A button below the visible height is hidden as well, so that neither Tab nor a key reaches it until the
+// gesture reveals it.
 void frmOpen::setLevel(int level) {
     level_ = (level >= 0 && level <= 2) ? level : 0;
-    setFixedSize(twipsSize(kClientWidthTwips, menuHeightTwips(level_) - kNonClientHeightTwips));
+    const int clientHeight = menuHeightTwips(level_) - kNonClientHeightTwips;
+    setFixedSize(twipsSize(kClientWidthTwips, clientHeight));
+    for (QPushButton* button : findChildren<QPushButton*>(Qt::FindDirectChildrenOnly))
+        button->setVisible(button->geometry().bottom() < height());
 }
 
 void frmOpen::mousePressEvent(QMouseEvent* event) {

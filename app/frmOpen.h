@@ -4,8 +4,8 @@
 // window's visible height; a mouse gesture on the background changes the menu level and so the height.
 // Closing the menu closes the instrument session.
 
-#include "app/Form.h"
-#include "app/Gestures.h"
+#include "kit/Form.h"
+#include "kit/Gestures.h"
 #include "driver/Handles.h"
 
 #include <Qt>

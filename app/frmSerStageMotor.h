@@ -2,7 +2,7 @@
 
 // A small service window with one "Return" button that closes it.
 
-#include "app/Form.h"
+#include "kit/Form.h"
 
 namespace vss {
 

@@ -2,7 +2,7 @@
 
 #include "driver/Handles.h"
 #include "app/frmOpen.h"
-#include "app/modGlobal.h"
+#include "kit/modGlobal.h"
 #include "driver/Factory.h"
 
 #include <QFont>

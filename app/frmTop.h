@@ -2,7 +2,7 @@
 
 // The top window: "Open" runs an instrument session with the main menu up, "Exit" ends the program.
 
-#include "app/Form.h"
+#include "kit/Form.h"
 
 class QLineEdit;
 

@@ -1,9 +1,10 @@
 // vsstool: the operator, factory and service program of the spinstand.
 
 #include "app/CommandLine.h"
+#include "app/Navigation.h"
 #include "app/Screenshots.h"
 #include "app/frmTop.h"
-#include "app/modGlobal.h"
+#include "kit/modGlobal.h"
 
 #include <QApplication>
 
@@ -30,6 +31,7 @@ int main(int argc, char* argv[]) {
     vss::com::InstallPlatformResolver();
 #endif
     vss::setUpGlobals();
+    vss::registerWindows(vss::menuWindows());
     vss::globals().driverOptions = line.driver;
     if (!line.screenshotDir.isEmpty())
         return vss::runScreenshots(line.screenshotDir, line.driver);

@@ -2,7 +2,7 @@
 
 // What the program needs from the operation windows: the menus' entries and the screenshot mode's scenes.
 
-#include "app/Navigation.h"
+#include "kit/Navigation.h"
 
 #include <QString>
 #include <functional>

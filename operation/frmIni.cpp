@@ -1,10 +1,11 @@
 #include "operation/frmIni.h"
 
-#include "app/FormBuild.h"
-#include "app/Gestures.h"
-#include "app/Messages.h"
-#include "app/frmVersion.h"
-#include "app/modGlobal.h"
+#include "kit/FormBuild.h"
+#include "kit/Gestures.h"
+#include "kit/Messages.h"
+#include "kit/Reads.h"
+#include "kit/frmVersion.h"
+#include "kit/modGlobal.h"
 #include "controls/Twips.h"
 #include "controls/UpDown.h"
 #include "operation/OperationLogic.h"
@@ -26,15 +27,6 @@ constexpr int kClientWidthTwips = 10260;
 // The spindle setting at home: text and the instrument's code, in list order.
 constexpr std::pair<const char*, std::int32_t> kStatesAtHome[] = {
     {"Run", homestate::Run}, {"Standby", homestate::Standby}, {"Off (i.e. Media Change)", homestate::Stop}};
-
-// A read whose failure is not reported: the fallback stands in for the value.
-template <class Read, class T> T readOr(Read read, T fallback) {
-    try {
-        return read();
-    } catch (const DriverError&) {
-        return fallback;
-    }
-}
 
 QString text(std::string_view s) {
     return QString::fromUtf8(s.data(), static_cast<qsizetype>(s.size()));
@@ -63,17 +55,16 @@ template <class W> FormFactory makeWindow() {
 
 } // namespace
 
-frmIni::frmIni(QWidget* parent) : CommandForm(parent) {
+frmIni::frmIni(QWidget* parent) : PollingForm(parent) {
     setWindowTitle(appTitle() + QStringLiteral(" : Operation Check"));
     build();
     setDirectControlsShown(false);
     for (const auto& [name, code] : kStatesAtHome)
         cmbStateAtHome_->addItem(QString::fromLatin1(name), code);
+    cmbStateAtHome_->setCurrentIndex(-1); // until the instrument's code selects an entry
     refreshAll();
     initPositionDefaults();
-    tmrUpdate_.setInterval(kPollMs);
-    connect(&tmrUpdate_, &QTimer::timeout, this, &frmIni::tmrUpdate_Timer);
-    tmrUpdate_.start();
+    startPolling();
 }
 
 void frmIni::build() {
@@ -225,17 +216,17 @@ void frmIni::enableAllControls() {
         trapErrors([this] { refreshStatus(); });
 }
 
+// The timer has stopped already: the polling window stops it before the unload handler runs.
 void frmIni::onUnload() {
-    tmrUpdate_.stop();
     disableAllControls();
 }
 
 // ---------------------------------------------------------------------------------------------------------------
 // Polling
 
-void frmIni::tmrUpdate_Timer() {
+void frmIni::onPoll() {
     if (readOr([] { return handles().interlock->GetInterlock(); }, false)) {
-        tmrUpdate_.stop(); // before the message, so that no second tick finds the interlock again
+        stopPolling(); // before the message, so that no second tick finds the interlock again
         showMessage("Interlock is detected.");
         // The interlock ends the whole check: a window opened from the panel closes with it.
         closeWindowsAbove();
@@ -302,9 +293,8 @@ void frmIni::refreshSpindleState() {
 }
 
 void frmIni::refreshStateAtHome() {
-    const int index = cmbStateAtHome_->findData(handles().driver->GetHomeState());
-    if (index >= 0)
-        cmbStateAtHome_->setCurrentIndex(index);
+    // A code that matches no entry shows no selection.
+    cmbStateAtHome_->setCurrentIndex(cmbStateAtHome_->findData(handles().driver->GetHomeState()));
 }
 
 void frmIni::refreshHeadLoader() {
@@ -436,7 +426,7 @@ bool frmIni::eventFilter(QObject* watched, QEvent* event) {
         if (key == Qt::Key_Return || key == Qt::Key_Enter)
             rpmTyped_ = true;
     }
-    return CommandForm::eventFilter(watched, event);
+    return PollingForm::eventFilter(watched, event);
 }
 
 // The stepped speed comes from the speed list, searched for the instrument's speed, within its range. The

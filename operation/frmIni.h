@@ -8,9 +8,8 @@
 // below the panel's normal height and are revealed by a right click with Shift and Ctrl held on the
 // background.
 
-#include "app/CommandForm.h"
+#include "kit/PollingForm.h"
 
-#include <QTimer>
 #include <array>
 #include <cstdint>
 #include <functional>
@@ -25,14 +24,13 @@ namespace vss {
 class userProperty;
 class userText;
 
-class frmIni : public CommandForm {
+class frmIni : public PollingForm {
     Q_OBJECT
 
 public:
     // Outer heights (title bar included) with the direct controls hidden and shown.
     static constexpr int kHeightTwips = 4450;
     static constexpr int kTallHeightTwips = 5760;
-    static constexpr int kPollMs = 200;
 
     // Loads the panel: lays it out, reads everything from the instrument and starts polling. A failing read
     // throws to the opener, which reports it.
@@ -45,12 +43,13 @@ public:
     void enableAllControls() override;
 
     // One tick of the polling timer.
-    void tmrUpdate_Timer();
+    void tmrUpdate_Timer() { pollOnce(); }
 
 protected:
     void mousePressEvent(QMouseEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
     void onUnload() override;
+    void onPoll() override;
 
 private:
     void build();
@@ -85,7 +84,6 @@ private:
     void updnRpm_Click(int direction);
     void applySpeed(std::int32_t rpm);
 
-    QTimer tmrUpdate_;
     std::array<double, 3> posRadius_{}; // Pos1Radius..Pos3Radius, metres
     bool rpmTyped_ = false;             // a speed was typed, or Enter pressed, since the last one sent
 

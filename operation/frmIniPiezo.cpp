@@ -1,7 +1,7 @@
 #include "operation/frmIniPiezo.h"
 
-#include "app/FormBuild.h"
-#include "app/modGlobal.h"
+#include "kit/FormBuild.h"
+#include "kit/modGlobal.h"
 
 namespace vss {
 

@@ -3,7 +3,7 @@
 // The piezo check: the piezo's serial number, where the head stands (radius and skew) and the piezo's
 // resolution coefficient there. It reads once, when it opens, and writes nothing.
 
-#include "app/Form.h"
+#include "kit/Form.h"
 
 namespace vss {
 

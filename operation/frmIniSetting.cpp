@@ -1,8 +1,8 @@
 #include "operation/frmIniSetting.h"
 
-#include "app/FormBuild.h"
-#include "app/SettingTransfer.h"
-#include "app/modGlobal.h"
+#include "kit/FormBuild.h"
+#include "kit/SettingTransfer.h"
+#include "kit/modGlobal.h"
 
 #include <QCheckBox>
 #include <QComboBox>

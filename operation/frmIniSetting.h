@@ -4,7 +4,7 @@
 // size restriction, with the spindle direction, head face, index polarity, fine position limit and allowed
 // disk size shown read-only. Export and Import save and load the "Setting" group.
 
-#include "app/CommandForm.h"
+#include "kit/CommandForm.h"
 
 class QCheckBox;
 class QComboBox;

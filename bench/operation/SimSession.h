@@ -3,7 +3,7 @@
 // An instrument session on an in-memory simulated instrument, with the process-wide handles filled the way
 // "Open" fills them, for the operation panel's benchmarks.
 
-#include "app/modGlobal.h"
+#include "kit/modGlobal.h"
 #include "driver/Handles.h"
 #include "driver/sim/SimInstrument.h"
 

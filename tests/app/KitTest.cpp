@@ -1,8 +1,8 @@
 // The busy bracket, the error trap and the two seams that every window uses.
 
-#include "app/Form.h"
-#include "app/Messages.h"
-#include "app/dlgConfigFile.h"
+#include "kit/Form.h"
+#include "kit/Messages.h"
+#include "kit/dlgConfigFile.h"
 #include "driver/DriverError.h"
 #include "tests/support/WindowHarness.h"
 
@@ -19,7 +19,7 @@
 namespace vss {
 namespace {
 
-using testing::WindowHarness;
+using WindowHarness = testing::SessionHarness;
 
 // A window with a frame of its own controls, and a counter of how often its extended enableAllControls ran.
 class SampleWindow : public Form {

@@ -1,10 +1,10 @@
 // The main menu's levels and gestures, the factory menu and the opening of other windows, with real events.
 
-#include "app/Navigation.h"
+#include "kit/Navigation.h"
 #include "app/frmFac.h"
 #include "app/frmOpen.h"
-#include "app/frmVersion.h"
-#include "app/modGlobal.h"
+#include "kit/frmVersion.h"
+#include "kit/modGlobal.h"
 #include "controls/Twips.h"
 #include "driver/DriverError.h"
 #include "tests/support/WindowHarness.h"
@@ -18,7 +18,7 @@
 namespace vss {
 namespace {
 
-using testing::WindowHarness;
+using WindowHarness = testing::SessionHarness;
 
 constexpr Qt::KeyboardModifiers kShiftCtrl = Qt::ShiftModifier | Qt::ControlModifier;
 
@@ -144,7 +144,7 @@ public:
 
 TEST(MainMenu, AWindowThatFailsToOpenIsReportedAndTheMenuIsUsableAgain) {
     WindowHarness harness;
-    menuWindows().measurementPositions = [](QWidget* p) { return std::make_unique<FailingWindow>(p); };
+    menuWindows().measurementPositions = [](QWidget* p, bool) { return std::make_unique<FailingWindow>(p); };
     harness.runSession([&](frmOpen& menu) {
         WindowHarness::click(menu, "cmdCustomize");
         EXPECT_TRUE(menuEnabled(menu));

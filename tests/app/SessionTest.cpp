@@ -2,7 +2,7 @@
 
 #include "app/frmOpen.h"
 #include "app/frmTop.h"
-#include "app/modGlobal.h"
+#include "kit/modGlobal.h"
 #include "driver/Trace.h"
 #include "tests/support/WindowHarness.h"
 
@@ -15,7 +15,7 @@
 namespace vss {
 namespace {
 
-using testing::WindowHarness;
+using WindowHarness = testing::SessionHarness;
 
 // The driver object's interfaces in the order the session takes them.
 const std::vector<std::pair<std::string_view, Guid>> kQueryOrder{

@@ -19,7 +19,7 @@
 namespace vss::testing {
 
 // Runs `during` with the panel up; the panel is closed with "Return" afterwards if it is still open.
-inline void withPanel(WindowHarness& harness, const std::function<void(frmIni&)>& during) {
+inline void withPanel(SessionHarness& harness, const std::function<void(frmIni&)>& during) {
     registerOperationWindows(menuWindows());
     harness.runSession([&](frmOpen& menu) {
         harness.whenActive<frmIni>([&](frmIni& panel) {

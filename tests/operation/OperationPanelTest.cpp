@@ -1,8 +1,8 @@
 // The operation panel with real clicks and keys on the simulated instrument, checked against its trace.
 
-#include "app/Messages.h"
-#include "app/frmVersion.h"
-#include "app/modGlobal.h"
+#include "kit/Messages.h"
+#include "kit/frmVersion.h"
+#include "kit/modGlobal.h"
 #include "controls/Twips.h"
 #include "controls/userProperty.h"
 #include "operation/frmIniPiezo.h"
@@ -25,7 +25,7 @@ using testing::contains;
 using testing::enterValue;
 using testing::fieldBox;
 using testing::textOf;
-using testing::WindowHarness;
+using WindowHarness = testing::SessionHarness;
 using testing::withoutPolling;
 using testing::withPanel;
 using Lines = std::vector<std::string>;

@@ -2,8 +2,8 @@
 // the simulated instrument.
 
 #include "app/frmFac.h"
-#include "app/frmVersion.h"
-#include "app/modGlobal.h"
+#include "kit/frmVersion.h"
+#include "kit/modGlobal.h"
 #include "operation/frmIniPiezo.h"
 #include "operation/frmIniSetting.h"
 #include "tests/operation/OperationHarness.h"
@@ -21,7 +21,7 @@ using testing::contains;
 using testing::enterValue;
 using testing::fieldBox;
 using testing::textOf;
-using testing::WindowHarness;
+using WindowHarness = testing::SessionHarness;
 using testing::withPanel;
 using Lines = std::vector<std::string>;
 

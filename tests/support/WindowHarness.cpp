@@ -1,10 +1,10 @@
 #include "tests/support/WindowHarness.h"
 
-#include "app/Messages.h"
+#include "driver/Factory.h"
 #include "driver/Handles.h"
-#include "app/frmOpen.h"
-#include "app/frmTop.h"
-#include "app/modGlobal.h"
+#include "kit/Messages.h"
+#include "kit/modGlobal.h"
+#include "driver/Types.h"
 
 #include <QAbstractButton>
 #include <QTest>
@@ -55,6 +55,12 @@ WindowHarness::~WindowHarness() {
     stepTimer_.stop();
     top_.reset();
     Globals& g = globals();
+    if (sessionOpen_ && g.handles.driver) {
+        try {
+            g.handles.driver->Close();
+        } catch (const std::exception&) {
+        }
+    }
     releaseHandles(g.handles);
     g.handles.diskSize.reset();
     g.driverOptions = {};
@@ -64,23 +70,32 @@ WindowHarness::~WindowHarness() {
     dlgConfigFile::instance().reset();
 }
 
-frmTop& WindowHarness::top() {
-    if (!top_) {
-        top_ = std::make_unique<frmTop>();
-        top_->show();
-        QApplication::setActiveWindow(top_.get());
-    }
-    return *top_;
+void WindowHarness::openSession() {
+    Globals& g = globals();
+    const std::shared_ptr<DriverObject> object = CreateDriverObject(g.driverProgId, g.driverOptions);
+    acquireHandles(*object, g.handles);
+    sessionOpen_ = true;
+    g.handles.driver->Open(std::string(kDefaultResource));
+    g.handles.service->BeginService();
 }
 
-void WindowHarness::runSession(const std::function<void(frmOpen&)>& during) {
-    whenActive<frmOpen>([during](frmOpen& menu) {
-        if (during)
-            during(menu);
-        if (menu.isVisible())
-            click(menu, "cmdClose");
-    });
-    click(top(), "cmdOpen");
+void WindowHarness::prepareInstrument() {
+    IDriver& driver = *globals().handles.driver;
+    if (driver.GetState() == state::Uninitialized)
+        driver.Initialize();
+    else
+        driver.Reset();
+}
+
+void WindowHarness::showModal(const FormFactory& make) {
+    std::unique_ptr<Form> window;
+    try {
+        window = make(nullptr);
+    } catch (const std::exception& e) {
+        showMessage(e.what());
+        return;
+    }
+    Form::execModal(*window);
 }
 
 void WindowHarness::queue(std::string windowType, std::function<bool(QWidget*)> matches,

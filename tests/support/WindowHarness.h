@@ -3,11 +3,13 @@
 // Runs the program's windows in a test, on an in-memory simulated instrument: real mouse and key events,
 // message boxes and file dialogs answered from a script (and what they said kept for reading), steps that
 // drive whichever modal window is active (a modal window runs its own event loop, so a step is queued before
-// the click that opens the window), the simulator's trace, inputs and injected failures.
+// the click that opens the window), the simulator's trace, inputs and injected failures. WindowHarness needs
+// only the window kit: a window library's tests open a session and show their windows themselves.
+// SessionHarness adds the program's top window and menus.
 
-#include "app/Form.h"
-#include "app/Navigation.h"
-#include "app/dlgConfigFile.h"
+#include "kit/Form.h"
+#include "kit/Navigation.h"
+#include "kit/dlgConfigFile.h"
 #include "driver/sim/SimInstrument.h"
 
 #include <QApplication>
@@ -63,8 +65,15 @@ public:
     }
     const std::vector<FileDialogRequest>& fileDialogs() const { return fileDialogs_; }
 
-    // The top window, shown as at start-up.
-    frmTop& top();
+    // Opens an instrument session as "Open" on the top window does: the driver object, its twelve interfaces,
+    // Open and BeginService. The harness closes it when it is destroyed. Throws what the driver throws.
+    void openSession();
+    // Brings the instrument home as the main menu's "Operation Check" does (initialize or reset).
+    void prepareInstrument();
+
+    // Makes a window with make and shows it modally; returns when it has closed. Steps queued before drive
+    // it. A window that fails to load is reported like any handler's failure (one message) and not shown.
+    void showModal(const FormFactory& make);
 
     // Queues a step that runs once a window of type W is the active modal window and not busy. Steps run in
     // the order queued; a step may click a button that opens another modal window, and the next step then
@@ -76,8 +85,10 @@ public:
     }
     bool stepsPending() const { return !steps_.empty(); }
 
-    // A whole session through the top window: "Open", then `during` with the main menu up, then its "Close".
-    void runSession(const std::function<void(frmOpen&)>& during = {});
+    // Drops the steps that have not run (a step waiting for a window that a failure kept from opening).
+    void dropSteps() { steps_.clear(); }
+    // Drops the scripted file dialog answers that no dialog took.
+    void dropFileAnswers() { fileAnswers_.clear(); }
 
     // Real events on a window's controls, found by name.
     static void click(QWidget& window, const char* controlName);
@@ -98,6 +109,9 @@ public:
     // How long a step waits for its window before the test fails and the modal windows are closed.
     static constexpr int kStepTimeoutMs = 10000;
 
+protected:
+    std::unique_ptr<QWidget> top_;
+
 private:
     struct Step {
         std::string windowType;
@@ -112,13 +126,25 @@ private:
 
     std::shared_ptr<sim::SimInstrument> sim_;
     std::shared_ptr<TraceBuffer> trace_ = std::make_shared<TraceBuffer>();
-    std::unique_ptr<frmTop> top_;
     std::vector<ShownMessage> messages_;
     std::deque<std::optional<std::string>> fileAnswers_;
     std::vector<FileDialogRequest> fileDialogs_;
     std::deque<Step> steps_;
     QTimer stepTimer_;
     MenuWindows savedMenuWindows_;
+    bool sessionOpen_ = false;
+};
+
+// The whole program's windows: the top window, the main menu and every window the menus open.
+class SessionHarness : public WindowHarness {
+public:
+    explicit SessionHarness(sim::SimOptions options = {":memory:"});
+
+    // The top window, shown as at start-up.
+    frmTop& top();
+
+    // A whole session through the top window: "Open", then `during` with the main menu up, then its "Close".
+    void runSession(const std::function<void(frmOpen&)>& during = {});
 };
 
 } // namespace vss::testing

@@ -1,9 +1,9 @@
-#include "app/SettingTransfer.h"
+#include "kit/SettingTransfer.h"
 
-#include "app/Form.h"
-#include "app/Messages.h"
-#include "app/dlgConfigFile.h"
-#include "app/modGlobal.h"
+#include "kit/Form.h"
+#include "kit/Messages.h"
+#include "kit/dlgConfigFile.h"
+#include "kit/modGlobal.h"
 
 #include <exception>
 #include <functional>

@@ -1,7 +1,7 @@
-#include "app/frmVersion.h"
+#include "kit/frmVersion.h"
 
-#include "app/FormBuild.h"
-#include "app/modGlobal.h"
+#include "kit/FormBuild.h"
+#include "kit/modGlobal.h"
 
 #include <QFocusEvent>
 #include <QKeyEvent>

@@ -58,6 +58,10 @@ userProperty* newProperty(QWidget* parent, const char* name, int left, int top, 
 userText* newValueField(QWidget* parent, const char* name, int left, int top, int width, int height,
                         const FieldLook& look);
 
+// Shows a value read from the instrument in a field. Selecting a list entry this way raises no ChangeValue:
+// a value shown is not a value the user committed.
+void showValue(userProperty* field, const Variant& value);
+
 // Sets a text box's text only when it differs, so that polling leaves an unchanged box alone.
 void showText(QLineEdit* box, const QString& text);
 

@@ -1,7 +1,7 @@
-#include "app/Form.h"
+#include "kit/Form.h"
 
-#include "app/Messages.h"
-#include "app/modGlobal.h"
+#include "kit/Messages.h"
+#include "kit/modGlobal.h"
 #include "controls/Twips.h"
 
 #include <QApplication>

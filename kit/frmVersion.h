@@ -6,7 +6,7 @@
 // is pressed in its box or when the edited box is left, and Save and Recall store and reload the version
 // data.
 
-#include "app/CommandForm.h"
+#include "kit/CommandForm.h"
 
 #include <functional>
 #include <string>

@@ -1,4 +1,4 @@
-#include "app/CommandForm.h"
+#include "kit/CommandForm.h"
 
 namespace vss {
 

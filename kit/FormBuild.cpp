@@ -1,6 +1,8 @@
-#include "app/FormBuild.h"
+#include "kit/FormBuild.h"
 
 #include "controls/FieldLook.h"
+
+#include <QSignalBlocker>
 
 namespace vss {
 
@@ -39,6 +41,11 @@ userProperty* newProperty(QWidget* parent, const char* name, int left, int top, 
 userText* newValueField(QWidget* parent, const char* name, int left, int top, int width, int height,
                         const FieldLook& look) {
     return withLook(put(new userText(parent), name, left, top, width, height), look);
+}
+
+void showValue(userProperty* field, const Variant& value) {
+    const QSignalBlocker quiet(field);
+    field->setValue(value);
 }
 
 void showText(QLineEdit* box, const QString& text) {

@@ -1,4 +1,4 @@
-#include "app/Gestures.h"
+#include "kit/Gestures.h"
 
 namespace vss {
 

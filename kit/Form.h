@@ -3,7 +3,7 @@
 // The base of every window of the program. A window is built in code with its geometry in twips, has the busy
 // bracket that every handler talking to the instrument runs in, and opens other windows modally.
 
-#include "app/WaitCursor.h"
+#include "kit/WaitCursor.h"
 
 #include <QDialog>
 #include <QList>

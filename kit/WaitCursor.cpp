@@ -1,4 +1,4 @@
-#include "app/WaitCursor.h"
+#include "kit/WaitCursor.h"
 
 #include <QApplication>
 #include <algorithm>

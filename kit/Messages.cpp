@@ -1,7 +1,7 @@
-#include "app/Messages.h"
+#include "kit/Messages.h"
 
-#include "app/WaitCursor.h"
-#include "app/modGlobal.h"
+#include "kit/WaitCursor.h"
+#include "kit/modGlobal.h"
 
 #include <QApplication>
 #include <QMessageBox>

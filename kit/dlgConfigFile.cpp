@@ -1,6 +1,6 @@
-#include "app/dlgConfigFile.h"
+#include "kit/dlgConfigFile.h"
 
-#include "app/WaitCursor.h"
+#include "kit/WaitCursor.h"
 
 #include <QApplication>
 #include <QFileDialog>

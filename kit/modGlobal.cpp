@@ -1,4 +1,4 @@
-#include "app/modGlobal.h"
+#include "kit/modGlobal.h"
 
 namespace vss {
 

@@ -4,7 +4,7 @@
 // follow-up (usually a refresh of what it changed) runs after the controls are enabled again. A failure of
 // either is shown once; a failed command skips its follow-up.
 
-#include "app/Form.h"
+#include "kit/Form.h"
 
 #include <functional>
 

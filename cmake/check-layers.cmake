@@ -1,0 +1,38 @@
+# Checks the floors of the source tree: each folder includes only its own headers and those of the floors below
+# it. driver <- storage, controls <- kit <- the window folders <- app; window folders do not include each other
+# (a window opens another window library's window through the kit's directory of windows).
+# Run as: cmake -DROOT=<source dir> -P check-layers.cmake
+set(floor_driver 0)
+set(floor_storage 1)
+set(floor_controls 1)
+set(floor_kit 2)
+set(floor_operation 3)
+set(floor_customer 3)
+set(floor_factory 3)
+set(floor_piezo 3)
+set(floor_service 3)
+set(floor_app 4)
+set(folders driver storage controls kit operation customer factory piezo service app)
+
+set(violations "")
+foreach(folder IN LISTS folders)
+    file(GLOB_RECURSE sources "${ROOT}/${folder}/*.h" "${ROOT}/${folder}/*.cpp")
+    foreach(source IN LISTS sources)
+        file(STRINGS "${source}" includes REGEX "^[ \t]*#[ \t]*include[ \t]+\"[a-z]+/")
+        foreach(line IN LISTS includes)
+            string(REGEX REPLACE "^[ \t]*#[ \t]*include[ \t]+\"([a-z]+)/.*" "\\1" target "${line}")
+            if(target STREQUAL folder OR NOT DEFINED floor_${target})
+                continue()
+            endif()
+            if(NOT floor_${target} LESS floor_${folder})
+                file(RELATIVE_PATH rel "${ROOT}" "${source}")
+                string(APPEND violations "  ${rel}: ${line}\n")
+            endif()
+        endforeach()
+    endforeach()
+endforeach()
+
+if(violations)
+    message(FATAL_ERROR "These includes run upward or sideways between floors:\n${violations}")
+endif()
+message(STATUS "every include runs downward")

@@ -1,0 +1,74 @@
+#pragma once
+
+// The shapes every settings page shares: the page edits one setting group of the instrument, may be opened
+// view-only, and has some of the group buttons Save, Recall, Export and Import. A page states its own steps
+// (what it refreshes, which controls view-only locks); the buttons' steps are the same on every page:
+// - Save: in the busy bracket, the group's save operation (nothing is read back);
+// - Recall: in the busy bracket, the group's recall operation; then the page's refresh;
+// - Export: the group to the file the save dialog gives (the group's dialog title, the setting-file filter);
+// - Import: the group from the file the open dialog gives; then the page's refresh.
+
+#include "kit/CommandForm.h"
+#include "storage/modConfigFile.h"
+
+#include <functional>
+#include <initializer_list>
+#include <vector>
+
+class QLineEdit;
+class QPushButton;
+
+namespace vss {
+
+class userProperty;
+class userText;
+
+// A control that can be locked: a value field or a text box.
+class Lockable {
+public:
+    Lockable(userText* field);
+    Lockable(userProperty* field);
+    Lockable(QLineEdit* box);
+    void setLocked(bool locked) const { lock_(locked); }
+
+private:
+    std::function<void(bool)> lock_;
+};
+
+class SettingsPage : public CommandForm {
+    Q_OBJECT
+
+public:
+    // Set by the opener before the page is shown (it is given to the constructor).
+    bool ViewOnly() const { return viewOnly_; }
+    SettingGroup group() const { return group_; }
+
+protected:
+    SettingsPage(QWidget* parent, SettingGroup group, bool viewOnly);
+
+    struct GroupButtons {
+        QPushButton* save = nullptr;
+        QPushButton* recall = nullptr;
+        QPushButton* exportButton = nullptr;
+        QPushButton* importButton = nullptr;
+    };
+    // Connects the buttons given; refresh is what Recall and Import read back afterwards.
+    void connectGroupButtons(const GroupButtons& buttons, std::function<void()> refresh);
+
+    // What view-only means on this page, declared once: the controls that are enabled only while the page is
+    // editable, and the fields that are locked while it is view-only.
+    void applyViewOnly(std::initializer_list<QWidget*> enabledWhenEditable,
+                       std::initializer_list<Lockable> lockedWhenViewOnly);
+
+private:
+    SettingGroup group_;
+    bool viewOnly_;
+};
+
+// The group's save and recall operations on the instrument's non-volatile memory. Groups that have none (the
+// piezo control and adjust data, the customer stage configuration, the piezo information) throw
+// std::logic_error: a page of such a group has no Save or Recall button.
+void saveGroup(SettingGroup group);
+void recallGroup(SettingGroup group);
+
+} // namespace vss

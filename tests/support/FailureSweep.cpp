@@ -1,0 +1,122 @@
+#include "tests/support/FailureSweep.h"
+
+#include <QApplication>
+#include <QWidget>
+#include <algorithm>
+#include <gtest/gtest.h>
+#include <map>
+#include <memory>
+
+namespace vss::testing {
+namespace {
+
+using EnabledStates = std::map<QWidget*, bool>;
+
+EnabledStates enabledStates(const Form& window) {
+    EnabledStates states;
+    for (QWidget* control : window.controls())
+        states[control] = control->isEnabled();
+    return states;
+}
+
+std::unique_ptr<Form> showWindow(const FormFactory& make) {
+    std::unique_ptr<Form> window = make(nullptr);
+    window->show();
+    QApplication::setActiveWindow(window.get());
+    return window;
+}
+
+// Closes what a run left open above the window (a dialog a failure kept from being answered).
+void closeModalWindows() {
+    while (QWidget* modal = QApplication::activeModalWidget()) {
+        modal->close();
+        QApplication::processEvents();
+        if (QApplication::activeModalWidget() == modal)
+            break;
+    }
+}
+
+void endRun(WindowHarness& harness) {
+    harness.dropSteps();
+    harness.dropFileAnswers();
+    closeModalWindows();
+}
+
+} // namespace
+
+std::vector<std::string> operationsOf(const std::vector<std::string>& traceLines) {
+    std::vector<std::string> ops;
+    for (const std::string& line : traceLines) {
+        if (!line.starts_with("IDriver"))
+            continue;
+        const std::string op = line.substr(0, line.find('('));
+        if (std::find(ops.begin(), ops.end(), op) == ops.end())
+            ops.push_back(op);
+    }
+    return ops;
+}
+
+int sweepFailures(WindowHarness& harness, const FormFactory& make, const std::vector<SweptHandler>& handlers,
+                  const SweepOptions& options) {
+    int cases = 0;
+    for (const SweptHandler& handler : handlers) {
+        std::vector<std::string> ops;
+        {
+            std::unique_ptr<Form> window = showWindow(make);
+            harness.clearTrace();
+            harness.clearMessages();
+            handler.run(harness, *window);
+            ops = operationsOf(harness.trace());
+            EXPECT_TRUE(harness.messages().empty())
+                << handler.name << " showed a message without a failure: " << harness.messages().front().text;
+            endRun(harness);
+        }
+        EXPECT_FALSE(ops.empty()) << handler.name << " called no driver operation";
+
+        for (const std::string& op : ops) {
+            if (options.ignored.contains(op))
+                continue;
+            SCOPED_TRACE(handler.name + " with " + op + " failing");
+            ++cases;
+            std::unique_ptr<Form> window = showWindow(make);
+            const EnabledStates before = enabledStates(*window);
+            const std::string description = "Sweep: " + op + " failed.";
+            harness.clearMessages();
+            harness.sim().failOperation(op, description, 1);
+            handler.run(harness, *window);
+            harness.sim().clearFailures();
+
+            const std::vector<ShownMessage>& shown = harness.messages();
+            for (const ShownMessage& m : shown)
+                EXPECT_EQ(m.text, description) << "a message that is not the failure's";
+            switch (handler.ends) {
+            case FailureEnds::OneMessage:
+                EXPECT_EQ(shown.size(), 1U);
+                break;
+            case FailureEnds::Transfer:
+            case FailureEnds::Closing:
+                EXPECT_LE(shown.size(), 1U);
+                break;
+            }
+            if (handler.ends == FailureEnds::Closing) {
+                endRun(harness);
+                continue;
+            }
+            EXPECT_TRUE(window->isVisible()) << "the window closed";
+            EXPECT_FALSE(window->isBusy()) << "the window stayed busy";
+            for (const auto& [control, enabled] : enabledStates(*window)) {
+                const auto was = before.find(control);
+                if (was == before.end() || options.mayChangeEnabled.contains(control->objectName().toStdString()))
+                    continue;
+                EXPECT_EQ(enabled, was->second)
+                    << control->objectName().toStdString() << " is not as usable as before";
+            }
+            endRun(harness);
+        }
+    }
+    std::printf("failure sweep: %zu handlers, %d (handler x operation) cases\n", handlers.size(), cases);
+    ::testing::Test::RecordProperty("failure_sweep_cases", cases);
+    return cases;
+}
+
+} // namespace vss::testing

@@ -1,0 +1,47 @@
+#pragma once
+
+// The failure sweep: every handler of a window, with each driver operation it calls failing in turn. A handler
+// is first run once on the simulated instrument to learn from the trace which operations it calls; then, for
+// each of them, a fresh window runs the handler again with that operation failing once. Every run must end as
+// a failure of that handler ends: the failure's one message (or none, or the window closing, where the
+// window's rules say so), every control as usable as before, and the window still open unless it closes.
+
+#include "kit/Form.h"
+#include "tests/support/WindowHarness.h"
+
+#include <functional>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace vss::testing {
+
+enum class FailureEnds {
+    OneMessage, // the driver's description, once
+    Transfer,   // Export and Import: the transfer ends without a message; the refresh after it reports once
+    Closing,    // the window closes; no more than the one message
+};
+
+struct SweptHandler {
+    std::string name;
+    // Runs the handler on the shown window: a click, a commit, a selection. It answers the file dialogs and
+    // queues the steps for the windows the handler opens; what a failure leaves unused is dropped.
+    std::function<void(WindowHarness&, Form&)> run;
+    FailureEnds ends = FailureEnds::OneMessage;
+};
+
+struct SweepOptions {
+    // Operations not swept: what a polling window reads on its own between the handler's steps.
+    std::set<std::string> ignored;
+    // Controls whose enabled state a handler may change by design (named by object name).
+    std::set<std::string> mayChangeEnabled;
+};
+
+// Runs the sweep and returns how many (handler x operation) cases ran. Failures are reported to GoogleTest.
+int sweepFailures(WindowHarness& harness, const FormFactory& make, const std::vector<SweptHandler>& handlers,
+                  const SweepOptions& options = {});
+
+// The distinct operations ("Interface.Operation") of trace lines, in the order of their first call.
+std::vector<std::string> operationsOf(const std::vector<std::string>& traceLines);
+
+} // namespace vss::testing
