@@ -6,8 +6,11 @@
 
 #include "kit/Form.h"
 
+#include <QString>
 #include <functional>
 #include <memory>
+#include <utility>
+#include <vector>
 
 namespace vss {
 
@@ -31,6 +34,11 @@ struct MenuWindows {
     ViewFactory backlashCompensation; // service panel and service settings
     FormFactory piezoInformation;     // service panel "Piezo Data"
 };
+
+// A window for the screenshot mode, made with its parent, and the scenes of one window library, each with its
+// file name (without ".png").
+using ScreenshotMaker = std::function<std::unique_ptr<QWidget>(QWidget* parent)>;
+using ScreenshotScenes = std::vector<std::pair<QString, ScreenshotMaker>>;
 
 // The process-wide directory. Tests may put windows of their own into it.
 MenuWindows& menuWindows();

@@ -25,6 +25,7 @@ struct Globals {
     SpindleSpeedList spindleSpeeds{}; // the selectable spindle speeds in rpm, ascending
     DriverHandles handles;            // filled by "Open", emptied after the session except diskSize
     DriverOptions driverOptions;      // simulator and trace, from the command line
+    std::string catalogueFile;        // the spinstand catalogue: "VssTool.ini" in the program's folder
 };
 
 Globals& globals();

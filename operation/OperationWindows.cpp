@@ -10,7 +10,7 @@ void registerOperationWindows(MenuWindows& windows) {
     windows.operationPanel = [](QWidget* parent) { return std::make_unique<frmIni>(parent); };
 }
 
-std::vector<std::pair<QString, ScreenshotMaker>> operationScreenshots() {
+ScreenshotScenes operationScreenshots() {
     const auto panel = [](bool directControls) {
         return [directControls](QWidget* parent) -> std::unique_ptr<QWidget> {
             auto w = std::make_unique<frmIni>(parent);

@@ -17,8 +17,7 @@ namespace vss {
 // Sets the main menu's "Operation Check" (the operation panel).
 void registerOperationWindows(MenuWindows& windows);
 
-// The operation windows for the screenshot mode, each with its file name (without ".png").
-using ScreenshotMaker = std::function<std::unique_ptr<QWidget>(QWidget* parent)>;
-std::vector<std::pair<QString, ScreenshotMaker>> operationScreenshots();
+// The operation windows for the screenshot mode.
+ScreenshotScenes operationScreenshots();
 
 } // namespace vss
