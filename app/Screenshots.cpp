@@ -115,6 +115,13 @@ bool render(const Scene& scene, const QDir& dir) {
 
 } // namespace
 
+ScreenshotScenes screenshotScenes() {
+    ScreenshotScenes list;
+    for (Scene& scene : scenes())
+        list.emplace_back(scene.file, [make = std::move(scene.make)](QWidget*) { return make(); });
+    return list;
+}
+
 int runScreenshots(const QString& dirPath, DriverOptions options) {
     QDir dir(dirPath);
     if (!dir.mkpath(QStringLiteral("."))) {

@@ -4,6 +4,8 @@
 
 #include "driver/Factory.h"
 
+#include "kit/Navigation.h"
+
 #include <QString>
 
 namespace vss {
@@ -12,5 +14,9 @@ namespace vss {
 // window into dir as <window>.png with its caption drawn above it, closes the session and returns the exit
 // code. Messages are printed to the error stream instead of waiting for the user.
 int runScreenshots(const QString& dir, DriverOptions options);
+
+// The windows the screenshot mode renders, in order, each with its file name; they read the session's handles
+// when they are made.
+ScreenshotScenes screenshotScenes();
 
 } // namespace vss

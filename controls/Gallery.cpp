@@ -9,6 +9,7 @@
 #include <QWidget>
 #include <cstdint>
 #include <initializer_list>
+#include <type_traits>
 
 namespace vss {
 
@@ -146,6 +147,9 @@ int addSection(QWidget* window, int top, const char* heading, const Row<Control>
             control->setGeometry(
                 twipsRect(columnLeft(static_cast<int>(column)), top, kColumnWidth, kRowHeight));
             row.setup(*control);
+            if constexpr (std::is_same_v<Control, userText>) // a field is named by its row and look
+                control->setCaptionName(QStringLiteral("%1, %2").arg(QString::fromLatin1(row.name),
+                                                                     QString::fromLatin1(kLookNames[column])));
             control->setLocked(kLooks[column] == Look::Locked);
             control->setEnabled(kLooks[column] != Look::Disabled);
         }

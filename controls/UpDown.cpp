@@ -9,8 +9,14 @@ UpDown::UpDown(QWidget* parent) : QWidget(parent), up_(new QToolButton(this)), d
     down_->setObjectName(QStringLiteral("down"));
     up_->setArrowType(Qt::UpArrow);
     down_->setArrowType(Qt::DownArrow);
+    setButtonNames(QStringLiteral("Up"), QStringLiteral("Down"));
     connect(up_, &QToolButton::clicked, this, &UpDown::up);
     connect(down_, &QToolButton::clicked, this, &UpDown::down);
+}
+
+void UpDown::setButtonNames(const QString& up, const QString& down) {
+    up_->setAccessibleName(up);
+    down_->setAccessibleName(down);
 }
 
 void UpDown::resizeEvent(QResizeEvent* event) {

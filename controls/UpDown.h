@@ -15,6 +15,9 @@ class UpDown : public QWidget {
 public:
     explicit UpDown(QWidget* parent = nullptr);
 
+    // The names a screen reader gives the two arrows (by default "Up" and "Down").
+    void setButtonNames(const QString& up, const QString& down);
+
 signals:
     void up();
     void down();

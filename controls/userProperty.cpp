@@ -75,6 +75,14 @@ QString userProperty::Caption() const {
 }
 void userProperty::setCaption(const QString& caption) {
     lbl_->setText(caption);
+    setCaptionName(caption);
+}
+
+void userProperty::setCaptionName(const QString& caption) {
+    setAccessibleName(caption);
+    for (QWidget* editor : {static_cast<QWidget*>(cmb_), static_cast<QWidget*>(chk_)})
+        editor->setAccessibleName(caption);
+    txt_->setCaptionName(caption);
 }
 
 Qt::Alignment userProperty::LabelAlignment() const {

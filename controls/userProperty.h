@@ -24,7 +24,10 @@ public:
     explicit userProperty(QWidget* parent = nullptr);
 
     QString Caption() const;
+    // The caption also names the row and its editors for screen readers.
     void setCaption(const QString& caption);
+    // Names the row and its editors without showing a caption (a row whose caption is left empty).
+    void setCaptionName(const QString& caption);
     // Qt::AlignLeft, Qt::AlignRight or Qt::AlignHCenter.
     Qt::Alignment LabelAlignment() const;
     void setLabelAlignment(Qt::Alignment alignment);

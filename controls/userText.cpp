@@ -65,6 +65,11 @@ void userText::resizeEvent(QResizeEvent* event) {
     layoutChildren();
 }
 
+void userText::setCaptionName(const QString& caption) {
+    setAccessibleName(caption);
+    txt_->setAccessibleName(caption);
+}
+
 bool userText::eventFilter(QObject* watched, QEvent* event) {
     // Leaving the field commits when the user leaves it. Not when the focus only went to the box's own context
     // menu or to another window (the field still has the focus within its window then and commits when it

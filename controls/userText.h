@@ -45,6 +45,9 @@ public:
 
     QSize sizeHint() const override;
 
+    // The name a screen reader gives the field: its caption, or the caption of its row.
+    void setCaptionName(const QString& caption);
+
 signals:
     // Raised after every commit of typed text (Enter, or the text box losing the focus), also when the text
     // was rejected or the value did not change: handlers re-read Value.

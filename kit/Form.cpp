@@ -3,12 +3,16 @@
 #include "kit/Messages.h"
 #include "kit/modGlobal.h"
 #include "controls/Twips.h"
+#include "controls/userProperty.h"
+#include "controls/userText.h"
 
 #include <QApplication>
 #include <QGroupBox>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QPushButton>
+#include <QAbstractButton>
+#include <algorithm>
 #include <exception>
 #include <utility>
 
@@ -41,6 +45,52 @@ bool ownedBy(const QObject* object, const QObject* owner) {
     return false;
 }
 
+bool unnamed(const QWidget* w) {
+    return w->accessibleName().trimmed().isEmpty();
+}
+
+QString captionText(const QWidget* w) {
+    if (const auto* label = qobject_cast<const QLabel*>(w))
+        return label->text();
+    if (const auto* button = qobject_cast<const QAbstractButton*>(w))
+        return button->text().remove(QLatin1Char('&'));
+    return {};
+}
+
+// The caption a person reads for a control: the label whose buddy it is, else the nearest label or button that
+// ends left of it on its row.
+QString rowCaption(const QWidget* control) {
+    const QWidget* parent = control->parentWidget();
+    if (!parent)
+        return {};
+    for (const QLabel* label : parent->findChildren<QLabel*>(Qt::FindDirectChildrenOnly)) {
+        if (label->buddy() == control)
+            return label->text();
+    }
+    const QRect at = control->geometry();
+    const QWidget* nearest = nullptr;
+    int nearestGap = 0;
+    for (const QObject* child : parent->children()) {
+        const auto* w = qobject_cast<const QWidget*>(child);
+        if (!w || w == control || w->isHidden() || captionText(w).trimmed().isEmpty())
+            continue;
+        const QRect g = w->geometry();
+        const int overlap = std::min(at.bottom(), g.bottom()) - std::max(at.top(), g.top());
+        if (overlap < std::min(at.height(), g.height()) / 2 || g.left() >= at.left())
+            continue;
+        const int gap = at.left() - g.right();
+        if (!nearest || gap < nearestGap) {
+            nearest = w;
+            nearestGap = gap;
+        }
+    }
+    if (nearest)
+        return captionText(nearest).trimmed();
+    // Alone on its row: the frame around it names it.
+    const auto* frame = qobject_cast<const QGroupBox*>(parent);
+    return frame ? frame->title() : QString();
+}
+
 } // namespace
 
 QString appTitle() {
@@ -57,6 +107,26 @@ QList<QWidget*> Form::controls() const {
     QList<QWidget*> out;
     collectControls(this, out);
     return out;
+}
+
+void Form::nameControls() {
+    for (QWidget* control : controls()) {
+        if (!unnamed(control) || qobject_cast<QLabel*>(control) || isFrame(control))
+            continue;
+        if (auto* property = qobject_cast<userProperty*>(control)) {
+            if (unnamed(property) || property->Caption().trimmed().isEmpty())
+                property->setCaptionName(rowCaption(control));
+        } else if (auto* field = qobject_cast<userText*>(control)) {
+            field->setCaptionName(rowCaption(control));
+        } else if (!qobject_cast<QAbstractButton*>(control) || captionText(control).isEmpty()) {
+            control->setAccessibleName(rowCaption(control));
+        }
+    }
+}
+
+void Form::showEvent(QShowEvent* event) {
+    nameControls();
+    QDialog::showEvent(event);
 }
 
 void Form::disableAllControls() {

@@ -36,6 +36,11 @@ public:
     // The window's controls in the order they were created; frames are walked into, other windows are not.
     QList<QWidget*> controls() const;
 
+    // Gives every control that has no name for screen readers and UI automation the caption that a person
+    // sees for it: the label whose buddy it is, else the label or button left of it on its row. Runs each
+    // time the window is shown; a window that builds controls later calls it again.
+    void nameControls();
+
     // The busy bracket. disableAllControls makes the window busy and shows the wait cursor, disables every
     // control in order and lets the window repaint once before the blocking work that follows;
     // enableAllControls enables every control again and ends the busy state. A window may extend
@@ -77,6 +82,7 @@ protected:
 
     void done(int result) override;
     void keyPressEvent(QKeyEvent* event) override;
+    void showEvent(QShowEvent* event) override;
 
     // Building in code; every position and size is in twips.
     void setClientSizeTwips(int width, int height);

@@ -40,7 +40,10 @@ userProperty* newProperty(QWidget* parent, const char* name, int left, int top, 
 
 userText* newValueField(QWidget* parent, const char* name, int left, int top, int width, int height,
                         const FieldLook& look) {
-    return withLook(put(new userText(parent), name, left, top, width, height), look);
+    auto* field = withLook(put(new userText(parent), name, left, top, width, height), look);
+    if (!look.caption.isEmpty()) // a field without a label of its own is still named for screen readers
+        field->setCaptionName(look.caption);
+    return field;
 }
 
 void showValue(userProperty* field, const Variant& value) {

@@ -46,7 +46,7 @@ void setTextBoxLocked(QLineEdit* box, bool locked);
 
 // How a value field shows its value.
 struct FieldLook {
-    QString caption{};  // labelled fields only
+    QString caption{};  // labelled fields: the caption; value fields: the name screen readers give the field
     QString unit{};     // OptStr
     double scale = 1.0; // DblScale: shown = value / scale
     bool locked = false;

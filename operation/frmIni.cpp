@@ -72,8 +72,11 @@ void frmIni::build() {
         newFrame(this, "frmSpindleSpeed", QStringLiteral("Spindle Speed"), 120, 60, 3000, 1100);
     usrRpm_ = newValueField(frmSpeed, "usrRpm", 120, 270, 2460, 300, {.unit = "rpm"});
     auto* updnRpm = put(new UpDown(frmSpeed), "updnRpm", 2620, 270, 255, 300);
-    usrRpmMin_ = newValueField(frmSpeed, "usrRpmMin", 120, 660, 1320, 300, {.unit = "rpm", .locked = true});
-    usrRpmMax_ = newValueField(frmSpeed, "usrRpmMax", 1560, 660, 1320, 300, {.unit = "rpm", .locked = true});
+    updnRpm->setButtonNames(QStringLiteral("Speed up"), QStringLiteral("Speed down"));
+    usrRpmMin_ = newValueField(frmSpeed, "usrRpmMin", 120, 660, 1320, 300,
+                               {.caption = QStringLiteral("Lowest speed"), .unit = "rpm", .locked = true});
+    usrRpmMax_ = newValueField(frmSpeed, "usrRpmMax", 1560, 660, 1320, 300,
+                               {.caption = QStringLiteral("Highest speed"), .unit = "rpm", .locked = true});
 
     QGroupBox* frmHome =
         newFrame(this, "frmStateAtHome", QStringLiteral("Spindle Setting at Home"), 120, 1240, 3000, 700);

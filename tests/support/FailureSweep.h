@@ -28,13 +28,19 @@ struct SweptHandler {
     // queues the steps for the windows the handler opens; what a failure leaves unused is dropped.
     std::function<void(WindowHarness&, Form&)> run;
     FailureEnds ends = FailureEnds::OneMessage;
+    // Brings the instrument into a state where the handler can run, before each run's window opens.
+    std::function<void(WindowHarness&)> prepare = {};
+    // Reads of this handler whose failure it tolerates by design: no message, a default stands in.
+    std::set<std::string> tolerated = {};
 };
 
 struct SweepOptions {
     // Operations not swept: what a polling window reads on its own between the handler's steps.
-    std::set<std::string> ignored;
-    // Controls whose enabled state a handler may change by design (named by object name).
-    std::set<std::string> mayChangeEnabled;
+    std::set<std::string> ignored = {};
+    // Reads that every handler of the window tolerates by design: no message, a default stands in.
+    std::set<std::string> tolerated = {};
+    // Controls whose enabled state follows the instrument's state rather than the handler (object names).
+    std::set<std::string> mayChangeEnabled = {};
 };
 
 // Runs the sweep and returns how many (handler x operation) cases ran. Failures are reported to GoogleTest.

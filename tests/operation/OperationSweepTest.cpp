@@ -1,0 +1,180 @@
+// The failure sweep of the operation windows and the version window: every handler that talks to the
+// instrument, with each driver operation it calls failing in turn, ends in the failure's one message (the
+// Export and Import flow ends without one) and leaves a usable window.
+
+#include "kit/Messages.h"
+#include "kit/frmVersion.h"
+#include "kit/modGlobal.h"
+#include "operation/frmIni.h"
+#include "operation/frmIniPiezo.h"
+#include "operation/frmIniSetting.h"
+#include "storage/modConfigFile.h"
+#include "tests/support/FailureSweep.h"
+
+#include <QComboBox>
+#include <QLineEdit>
+#include <QTemporaryDir>
+#include <QTest>
+#include <gtest/gtest.h>
+
+namespace vss {
+namespace {
+
+using testing::FailureEnds;
+using testing::SweptHandler;
+using testing::WindowHarness;
+
+// Types into a value field and commits with Enter.
+void enterValue(QWidget& window, const char* fieldName, const QString& text) {
+    auto* box = WindowHarness::control(window, fieldName).findChild<QLineEdit*>(QStringLiteral("txt"));
+    box->setFocus();
+    box->selectAll();
+    QTest::keyClicks(box, text);
+    QTest::keyClick(box, Qt::Key_Return);
+}
+
+// The instrument at home with its spindle stopped; spinning; loaded.
+void atHome(WindowHarness&) {
+    DriverHandles& h = handles();
+    if (h.driver->GetState() == state::Uninitialized)
+        h.driver->Initialize();
+    h.driver->Reset();
+    h.spindle->SetMotor(false);
+}
+void spinning(WindowHarness& harness) {
+    atHome(harness);
+    handles().clamp->SetClamp(true);
+    handles().spindle->SetMotor(true);
+}
+void loaded(WindowHarness& harness) {
+    spinning(harness);
+    handles().driver->Load();
+}
+
+SweptHandler clicking(std::string name, const char* button, std::function<void(WindowHarness&)> prepare = atHome) {
+    return {std::move(name), [button](WindowHarness&, Form& w) { WindowHarness::click(w, button); },
+            FailureEnds::OneMessage, std::move(prepare)};
+}
+
+// A neighbouring window opened from the panel and closed again with its "Return".
+template <class W> SweptHandler opening(std::string name, const char* button) {
+    return {std::move(name), [button](WindowHarness& harness, Form& w) {
+                harness.whenActive<W>([](W& neighbour) { WindowHarness::click(neighbour, "cmdReturn"); });
+                WindowHarness::click(w, button);
+            }};
+}
+
+SweptHandler selectingNext(std::string name, const char* list) {
+    return {std::move(name), [list](WindowHarness&, Form& w) {
+                auto& combo = WindowHarness::control<QComboBox>(w, list);
+                combo.setFocus();
+                QTest::keyClick(&combo, combo.currentIndex() + 1 < combo.count() ? Qt::Key_Down : Qt::Key_Up);
+            }};
+}
+
+// An arrow of the speed spinner; the stepping tolerates a speed range it cannot read.
+SweptHandler stepping(std::string name, const char* arrow) {
+    return {std::move(name),
+            [arrow](WindowHarness&, Form& w) {
+                QTest::mouseClick(w.findChild<QWidget*>(QStringLiteral("updnRpm"))
+                                      ->findChild<QWidget*>(QString::fromLatin1(arrow)),
+                                  Qt::LeftButton);
+            },
+            FailureEnds::OneMessage, atHome, {"IDriver.GetSpeedRange"}};
+}
+
+SweptHandler entering(std::string name, const char* field, QString text) {
+    return {std::move(name),
+            [field, text](WindowHarness&, Form& w) { enterValue(w, field, text); }};
+}
+
+TEST(FailureSweep, OperationPanel) {
+    WindowHarness harness;
+    harness.openSession();
+    const std::vector<SweptHandler> handlers{
+        clicking("Inner", "cmdPosInner", loaded),
+        clicking("Outer", "cmdPosOuter", loaded),
+        clicking("Pos1", "cmdPos1", loaded),
+        clicking("Pos2", "cmdPos2", loaded),
+        clicking("Pos3", "cmdPos3", loaded),
+        clicking("Load", "cmdLoad", spinning),
+        clicking("Unload", "cmdUnload", loaded),
+        clicking("Run", "cmdSpindleRun"),
+        clicking("Standby", "cmdSpindleStop", spinning),
+        clicking("Off", "cmdSpindleOff", spinning),
+        clicking("Head loader down", "cmdHeadLoaderDn"),
+        clicking("Head loader up", "cmdHeadLoaderUp"),
+        clicking("Reset", "cmdReset"),
+        selectingNext("Spindle setting at home", "cmbStateAtHome"),
+        entering("Typed speed", "usrRpm", QStringLiteral("5400")),
+        stepping("Speed up", "up"),
+        stepping("Speed down", "down"),
+        opening<frmIniSetting>("Setting", "cmdSetting"),
+        opening<frmIniPiezo>("Piezo Info", "cmdPiezo"),
+        opening<frmVersion>("Version", "cmdVersion"),
+    };
+    const FormFactory panel = [](QWidget* parent) {
+        auto w = std::make_unique<frmIni>(parent);
+        w->setDirectControlsShown(true);
+        return w;
+    };
+    const int cases = testing::sweepFailures(
+        harness, panel, handlers,
+        {.ignored = {"IDriverInterlock.GetInterlock", "IDriverService.GetEmergency",
+                     "IDriverService.GetOuterCover"},
+         // The spindle state shows no text when it cannot be read.
+         .tolerated = {"IDriverService.GetSpindleState"},
+         // The position buttons follow the instrument's state: a refresh that fails leaves them enabled.
+         .mayChangeEnabled = {"cmdPosInner", "cmdPosOuter", "cmdPos1", "cmdPos2", "cmdPos3"}});
+    EXPECT_GT(cases, 100);
+}
+
+TEST(FailureSweep, MeasurementSettingsAndVersion) {
+    WindowHarness harness;
+    harness.openSession();
+    harness.prepareInstrument();
+    QTemporaryDir dir;
+    const std::string exported = dir.filePath(QStringLiteral("export.csv")).toStdString();
+    const std::string imported = dir.filePath(QStringLiteral("setting.csv")).toStdString();
+    ExportGroup(SettingGroup::Setting, imported, handles(), messageSink());
+
+    const std::vector<SweptHandler> settings{
+        selectingNext("Load method", "cmbLoadMethod"),
+        clicking("Set load position", "cmdLoadPosition"),
+        clicking("Reset load position", "cmdLoadPositionReset"),
+        clicking("Set data area", "cmdDataArea"),
+        clicking("Reset data area", "cmdDataAreaReset"),
+        clicking("Disk size restriction", "chkDiskSizeRestrictionOn"),
+        {"Export",
+         [exported](WindowHarness& h, Form& w) {
+             h.answerFileDialog(exported);
+             WindowHarness::click(w, "cmdExport");
+         },
+         FailureEnds::Transfer},
+        {"Import",
+         [imported](WindowHarness& h, Form& w) {
+             h.answerFileDialog(imported);
+             WindowHarness::click(w, "cmdImport");
+         },
+         FailureEnds::Transfer},
+    };
+    int cases = testing::sweepFailures(
+        harness, [](QWidget* p) { return std::make_unique<frmIniSetting>(p); }, settings);
+
+    const std::vector<SweptHandler> version{
+        {"Hardware revision", [](WindowHarness&, Form& w) {
+             WindowHarness::pressKey(w, "txtHwRevision", Qt::Key_Return);
+         }},
+        {"Serial number", [](WindowHarness&, Form& w) {
+             WindowHarness::pressKey(w, "txtSerialNumber", Qt::Key_Return);
+         }},
+        clicking("Save", "cmdSave"),
+        clicking("Recall", "cmdRecall"),
+    };
+    cases += testing::sweepFailures(
+        harness, [](QWidget* p) { return std::make_unique<frmVersion>(p, true); }, version);
+    EXPECT_GT(cases, 20);
+}
+
+} // namespace
+} // namespace vss
