@@ -1,0 +1,130 @@
+#include "customer/frmCus.h"
+
+#include "customer/frmCusStageConfig.h"
+#include "kit/FormBuild.h"
+#include "kit/modGlobal.h"
+
+namespace vss {
+namespace {
+
+constexpr int kFrameWidth = kCustomerFrameWidth;
+constexpr int kButtonWidth = 900;
+constexpr int kButtonHeight = 375;
+
+} // namespace
+
+frmCus::frmCus(QWidget* parent, bool viewOnly) : SettingsPage(parent, SettingGroup::Customer, viewOnly) {
+    setWindowTitle(appTitle() + QStringLiteral(" : Measurement Position Settings"));
+    static const char* const innerNames[3] = {"usrStopperID", "usrRadiusID", "usrSkewID"};
+    static const char* const outerNames[3] = {"usrStopperOD", "usrRadiusOD", "usrSkewOD"};
+    inner_ = buildPosition("frmInner", QStringLiteral("Inner"), 60, 0, innerNames);
+    outer_ = buildPosition("frmOuter", QStringLiteral("Outer"), 60 + frameHeightTwips(3) + 60, 1, outerNames);
+    const int stageTop = 60 + 2 * (frameHeightTwips(3) + 60);
+    buildStage(stageTop);
+
+    const int buttonsTop = stageTop + frameHeightTwips(3) + kButtonHeight + 60 + 120;
+    const auto button = [&](const char* name, const char* caption, int column) {
+        return newButton(this, name, QString::fromLatin1(caption), 120 + column * (kButtonWidth + 120),
+                         buttonsTop, kButtonWidth, kButtonHeight);
+    };
+    QPushButton* cmdRecall = button("cmdRecall", "Recall", 0);
+    QPushButton* cmdSave = button("cmdSave", "Save", 1);
+    QPushButton* cmdImport = button("cmdImport", "Import", 2);
+    QPushButton* cmdExport = button("cmdExport", "Export", 3);
+    QPushButton* cmdReturn =
+        newButton(this, "cmdReturn", QStringLiteral("Return"), 120 + kFrameWidth - kButtonWidth, buttonsTop,
+                  kButtonWidth, kButtonHeight);
+    setClientSizeTwips(kFrameWidth + 240, buttonsTop + kButtonHeight + 120);
+
+    connect(inner_.stopper, &userText::ChangeValue, this, [this] { usrStopper_ChangeValue(inner_); });
+    connect(outer_.stopper, &userText::ChangeValue, this, [this] { usrStopper_ChangeValue(outer_); });
+    connect(cmdAdvanced_, &QPushButton::clicked, this, &frmCus::cmdAdvanced_Click);
+    connectGroupButtons({cmdSave, cmdRecall, cmdExport, cmdImport}, [this] { RefreshAll(); });
+    connect(cmdReturn, &QPushButton::clicked, this, &Form::accept);
+
+    // Load: the buttons that change the configuration follow ViewOnly, "Return" is always usable; the
+    // stoppers are locked while viewing, the derived fields always (set as they were built).
+    applyViewOnly({cmdExport, cmdImport, cmdSave, cmdRecall, cmdAdvanced_}, {inner_.stopper, outer_.stopper});
+    // A page opened for viewing starts on "Return": a locked stopper still writes its value when it loses the
+    // focus, so it does not hold the focus unless the user puts it there.
+    if (ViewOnly())
+        cmdReturn->setFocus();
+    RefreshAll();
+}
+
+frmCus::Position frmCus::buildPosition(const char* frameName, const QString& caption, int top,
+                                       std::int16_t index, const char* const names[3]) {
+    QGroupBox* frame = newFrame(this, frameName, caption, 120, top, kFrameWidth, frameHeightTwips(3));
+    const QString deg = QStringLiteral("deg");
+    return {
+        index, newCustomerRow(frame, names[0], 0, {.caption = QStringLiteral("Stopper"), .unit = deg}),
+        newCustomerRow(frame, names[1], 1,
+                       {.caption = QStringLiteral("Radius"),
+                        .unit = QStringLiteral("mm"),
+                        .scale = 0.001,
+                        .locked = true}),
+        newCustomerRow(frame, names[2], 2, {.caption = QStringLiteral("Skew"), .unit = deg, .locked = true})};
+}
+
+void frmCus::buildStage(int top) {
+    QGroupBox* frame = newFrame(this, "frmStage", QStringLiteral("Stage Configuration"), 120, top,
+                                kFrameWidth, frameHeightTwips(3) + kButtonHeight + 60);
+    const std::array<userText*, 3> fields = newStageGeometryRows(frame, true);
+    usrTCSC_ = fields[0];
+    usrTCRP_ = fields[1];
+    usrOFST_ = fields[2];
+    cmdAdvanced_ = newButton(frame, "cmdAdvanced", QStringLiteral("Advanced"), kCustomerFieldLeft,
+                             frameHeightTwips(3), 1350, kButtonHeight);
+}
+
+// The stopper first, then the radius and skew the instrument derives from it.
+void frmCus::refreshPosition(const Position& position) {
+    IDriverService& service = *handles().service;
+    position.stopper->setValue(service.GetStopperPosition(position.index));
+    const PositionRecord derived = service.GetMeasurementPosition(position.index);
+    position.radius->setValue(derived.radius);
+    position.skew->setValue(derived.skew);
+}
+
+void frmCus::RefreshInner() {
+    refreshPosition(inner_);
+}
+
+void frmCus::RefreshOuter() {
+    refreshPosition(outer_);
+}
+
+// All three values are read before any field shows one.
+void frmCus::RefreshStage() {
+    IDriverService& service = *handles().service;
+    const double tcsc = service.GetStageGeometry(geometry::Stage2Spindle);
+    const double tcrp = service.GetStageGeometry(geometry::Stage2Ref);
+    const double ofst = service.GetStageGeometry(geometry::StageOffset);
+    usrTCSC_->setValue(tcsc);
+    usrTCRP_->setValue(tcrp);
+    usrOFST_->setValue(ofst);
+}
+
+void frmCus::RefreshAll() {
+    RefreshInner();
+    RefreshOuter();
+    RefreshStage();
+}
+
+// The field's value is written on every commit, changed or not, and its side is read back. The page turning
+// busy takes the focus from the field; a commit raised then belongs to the write already under way.
+void frmCus::usrStopper_ChangeValue(const Position& position) {
+    if (isBusy())
+        return;
+    const double degrees = position.stopper->Value().toDouble();
+    command([&] { handles().service->SetStopperPosition(position.index, degrees); },
+            [&] { refreshPosition(position); });
+}
+
+// The stage configuration page writes what it changes at once; this page shows the result when it returns.
+void frmCus::cmdAdvanced_Click() {
+    if (openModal([](QWidget* parent) { return std::make_unique<frmCusStageConfig>(parent); }))
+        trapErrors([this] { RefreshAll(); });
+}
+
+} // namespace vss

@@ -1,0 +1,305 @@
+// The measurement position page and the stage configuration page with real clicks and keys on the simulated
+// instrument, and their failure sweep.
+
+#include "customer/CustomerWindows.h"
+
+#include "customer/frmCus.h"
+#include "customer/frmCusStageConfig.h"
+#include "driver/sim/StageGeometry.h"
+#include "kit/Messages.h"
+#include "kit/modGlobal.h"
+#include "storage/modConfigFile.h"
+#include "tests/support/FailureSweep.h"
+
+#include <QFile>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QTemporaryDir>
+#include <QTest>
+#include <algorithm>
+#include <gtest/gtest.h>
+
+namespace vss {
+namespace {
+
+using testing::WindowHarness;
+using Lines = std::vector<std::string>;
+
+const Lines kRefreshAll{"IDriverService.GetStopperPosition(0)", "IDriverService.GetMeasurementPosition(0)",
+                        "IDriverService.GetStopperPosition(1)", "IDriverService.GetMeasurementPosition(1)",
+                        "IDriverService.GetStageGeometry(0)",   "IDriverService.GetStageGeometry(1)",
+                        "IDriverService.GetStageGeometry(2)"};
+
+// The driver calls traced since the last clearTrace, without results or errors.
+Lines calls(const WindowHarness& harness) {
+    Lines kept;
+    for (const std::string& line : harness.trace())
+        if (line.starts_with("IDriver"))
+            kept.push_back(line.substr(0, std::min(line.find(" ->"), line.find(" !!"))));
+    return kept;
+}
+
+QLineEdit& box(QWidget& w, const char* field) {
+    return *WindowHarness::control(w, field).findChild<QLineEdit*>(QStringLiteral("txt"));
+}
+
+std::string shown(QWidget& w, const char* field) {
+    return box(w, field).text().toStdString();
+}
+
+// Focus into the field, type text if any, then Enter (or the key given).
+void commit(QWidget& w, const char* field, const QString& text = {}, Qt::Key key = Qt::Key_Return) {
+    box(w, field).setFocus();
+    if (!text.isEmpty()) {
+        box(w, field).selectAll();
+        QTest::keyClicks(&box(w, field), text);
+    }
+    QTest::keyClick(&box(w, field), key);
+}
+
+// Presses a button with the space bar: the focus stays where it is, so no field commits on the way.
+void press(QWidget& w, const char* button) {
+    WindowHarness::pressKey(w, button, Qt::Key_Space);
+}
+
+void expectAllEnabled(const Form& w) {
+    for (QWidget* c : w.controls())
+        EXPECT_TRUE(c->isEnabled()) << c->objectName().toStdString();
+}
+
+FormFactory page(bool viewOnly = false) {
+    registerCustomerWindows(menuWindows());
+    return withViewOnly(menuWindows().measurementPositions, viewOnly);
+}
+
+void withPage(WindowHarness& harness, const FormFactory& make, const std::function<void(frmCus&)>& during) {
+    harness.whenActive<frmCus>([&](frmCus& w) {
+        during(w);
+        press(w, "cmdReturn");
+    });
+    harness.showModal(make);
+}
+
+TEST(MeasurementPositions, OpensWithSevenReadsAndEveryStopperCommitWritesAndRereadsItsSide) {
+    WindowHarness harness;
+    harness.openSession();
+    handles().service->SetStopperPosition(0, *sim::angleFor(sim::StageGeometry{}, 0.0125));
+    harness.clearTrace();
+    withPage(harness, page(), [&](frmCus& w) {
+        EXPECT_EQ(calls(harness), kRefreshAll);
+        EXPECT_EQ(shown(w, "usrRadiusID"), "12.50");
+        EXPECT_EQ(WindowHarness::control<userText>(w, "usrRadiusID").OptStr(), "mm");
+        EXPECT_FALSE(box(w, "usrStopperOD").isReadOnly());
+        EXPECT_TRUE(box(w, "usrSkewOD").isReadOnly());
+
+        // Enter, then leaving the field: one write each, the same value, and only the inner side read back.
+        const double inner = handles().service->GetStopperPosition(0);
+        for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Tab}) {
+            harness.clearTrace();
+            commit(w, "usrStopperID", {}, key);
+            const Lines made = calls(harness);
+            ASSERT_EQ(made.size(), 3U);
+            EXPECT_TRUE(made[0].starts_with("IDriverService.SetStopperPosition(0, ")) << made[0];
+            EXPECT_EQ(Lines(made.begin() + 1, made.end()),
+                      Lines(kRefreshAll.begin(), kRefreshAll.begin() + 2));
+            EXPECT_EQ(handles().service->GetStopperPosition(0), inner);
+        }
+        const std::string radius = shown(w, "usrRadiusOD");
+        commit(w, "usrStopperOD", QStringLiteral("20"));
+        EXPECT_EQ(handles().service->GetStopperPosition(1), 20.0);
+        EXPECT_EQ(WindowHarness::control<userText>(w, "usrRadiusOD").Value().toDouble(),
+                  handles().service->GetMeasurementPosition(1).radius);
+        EXPECT_NE(shown(w, "usrRadiusOD"), radius);
+
+        // Text is not taken: the value is written unchanged. A refused stopper is reported once, not read
+        // back.
+        commit(w, "usrStopperID", QStringLiteral("abc"));
+        EXPECT_EQ(handles().service->GetStopperPosition(0), inner);
+        EXPECT_TRUE(harness.messages().empty());
+        harness.clearTrace();
+        commit(w, "usrStopperID", QStringLiteral("99"));
+        EXPECT_EQ(calls(harness), Lines{"IDriverService.SetStopperPosition(0, 99)"});
+        EXPECT_EQ(harness.messages().size(), 1U);
+        expectAllEnabled(w);
+    });
+}
+
+// Viewing: only "Return" works and nothing takes typing; leaving a locked stopper still writes its unchanged
+// value, and the end of that write enables every button.
+TEST(MeasurementPositions, ViewOnlyLocksThePageButLeavingAStopperStillWritesIt) {
+    WindowHarness harness;
+    harness.openSession();
+    const double outer = handles().service->GetStopperPosition(1);
+    withPage(harness, page(true), [&](frmCus& w) {
+        for (QPushButton* b : w.findChildren<QPushButton*>())
+            EXPECT_EQ(b->isEnabled(), b->objectName() == "cmdReturn") << b->objectName().toStdString();
+        for (QLineEdit* b : w.findChildren<QLineEdit*>())
+            EXPECT_TRUE(b->isReadOnly());
+        harness.clearTrace();
+        commit(w, "usrStopperOD", QStringLiteral("25"), Qt::Key_Tab);
+        const Lines made = calls(harness);
+        ASSERT_FALSE(made.empty());
+        EXPECT_TRUE(made[0].starts_with("IDriverService.SetStopperPosition(1, ")) << made[0];
+        EXPECT_EQ(handles().service->GetStopperPosition(1), outer);
+        expectAllEnabled(w);
+    });
+}
+
+// Save reads nothing back; Recall and Import refresh every field. Each Export appends a whole report, and
+// importing that file applies both copies of the stoppers, never the informational stage block.
+TEST(MeasurementPositions, GroupButtonsSaveRecallExportAndImport) {
+    WindowHarness harness;
+    harness.openSession();
+    QTemporaryDir dir;
+    const std::string file = dir.filePath(QStringLiteral("customer.csv")).toStdString();
+    for (int i = 0; i < 3; ++i)
+        harness.answerFileDialog(file);
+    const double outer = handles().service->GetStopperPosition(1);
+    withPage(harness, page(), [&](frmCus& w) {
+        harness.clearTrace();
+        press(w, "cmdSave");
+        EXPECT_EQ(calls(harness), Lines{"IDriverService.SaveCustomerConfiguration()"});
+        handles().service->SetStopperPosition(1, 25.0);
+        harness.clearTrace();
+        press(w, "cmdRecall");
+        EXPECT_EQ(calls(harness).size(), 1 + kRefreshAll.size());
+        EXPECT_EQ(WindowHarness::control<userText>(w, "usrStopperOD").Value().toDouble(), outer);
+
+        press(w, "cmdExport");
+        press(w, "cmdExport");
+        QFile exported(QString::fromStdString(file));
+        ASSERT_TRUE(exported.open(QIODevice::ReadOnly));
+        const QByteArray text = exported.readAll();
+        EXPECT_EQ(text.count("Customer Configuration"), 2);
+        EXPECT_EQ(text.count("# %StageConfiguration") % 2, 0);
+
+        handles().service->SetStopperPosition(1, 30.0);
+        handles().service->SetStageGeometry(2, 6.0);
+        harness.clearTrace();
+        press(w, "cmdImport");
+        const Lines made = calls(harness);
+        EXPECT_EQ(std::count_if(made.begin(), made.end(),
+                                [](const std::string& l) { return l.find(".Set") != l.npos; }),
+                  4);
+        EXPECT_EQ(Lines(made.end() - 7, made.end()), kRefreshAll);
+        EXPECT_EQ(handles().service->GetStopperPosition(1), outer);
+        EXPECT_EQ(shown(w, "usrOFST"), "6.000") << "the stage block is not imported";
+    });
+    EXPECT_TRUE(harness.messages().empty());
+    EXPECT_EQ(harness.fileDialogs()[0].title, "Export Customer Configuration");
+    EXPECT_EQ(harness.fileDialogs()[2].title, "Import Customer Configuration");
+}
+
+// A file of another group changes nothing and says nothing; a hostile one gives only the reader's messages.
+TEST(MeasurementPositions, ForeignAndHostileImportFiles) {
+    WindowHarness harness;
+    harness.openSession();
+    QTemporaryDir dir;
+    const std::string foreign = dir.filePath(QStringLiteral("stage.csv")).toStdString();
+    const std::string hostile = dir.filePath(QStringLiteral("hostile.csv")).toStdString();
+    ExportGroup(SettingGroup::CustomerStageConfiguration, foreign, handles(), messageSink());
+    QFile f(QString::fromStdString(hostile));
+    ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+    f.write("%StopperPosition\r\n\"Outer\",abc,1e999999,\r\n\"%StopperPosition\",,\"open\r\n" +
+            QByteArray(5000, ','));
+    f.write(QByteArray("\0\xff%StopperPosition", 18));
+    f.close();
+    harness.answerFileDialog(foreign);
+    harness.answerFileDialog(hostile);
+    withPage(harness, page(), [&](frmCus& w) {
+        harness.clearTrace();
+        press(w, "cmdImport");
+        EXPECT_EQ(calls(harness), kRefreshAll);
+        EXPECT_TRUE(harness.messages().empty());
+        press(w, "cmdImport");
+        EXPECT_FALSE(harness.messages().empty());
+        for (const testing::ShownMessage& m : harness.messages())
+            EXPECT_EQ(m.title, "error") << m.text;
+        expectAllEnabled(w);
+    });
+}
+
+// "Advanced": an edit and an import on the stage page, then "Cancel", leave the instrument with the values of
+// the page's opening, written back in index order; the measurement page shows them on its return.
+TEST(StageConfiguration, CancelRestoresTheValuesOfTheOpeningAfterAnEditAndAnImport) {
+    WindowHarness harness;
+    harness.openSession();
+    QTemporaryDir dir;
+    const std::string file = dir.filePath(QStringLiteral("stage.csv")).toStdString();
+    handles().service->SetStageGeometry(0, 90.0);
+    ExportGroup(SettingGroup::CustomerStageConfiguration, file, handles(), messageSink());
+    handles().service->SetStageGeometry(0, 79.0);
+    harness.answerFileDialog(file);
+    withPage(harness, page(), [&](frmCus& w) {
+        harness.whenActive<frmCusStageConfig>([&](frmCusStageConfig& stage) {
+            box(stage, "usrTCRP").setFocus(); // the field left commits: not watched here
+            harness.clearTrace();
+            commit(stage, "usrTCRP", QStringLiteral("72"));
+            EXPECT_EQ(calls(harness), (Lines{"IDriverService.SetStageGeometry(1, 72)",
+                                             "IDriverService.GetStageGeometry(1)"}));
+            press(stage, "cmdImport");
+            EXPECT_EQ(shown(stage, "usrTCSC"), "90.00");
+            harness.clearTrace();
+            press(stage, "cmdCancel");
+            EXPECT_EQ(calls(harness), (Lines{"IDriverService.SetStageGeometry(0, 79)",
+                                             "IDriverService.SetStageGeometry(1, 70)",
+                                             "IDriverService.SetStageGeometry(2, 5)"}));
+        });
+        press(w, "cmdAdvanced");
+        EXPECT_EQ(shown(w, "usrTCRP"), "70.00");
+    });
+    EXPECT_EQ(handles().service->GetStageGeometry(0), 79.0);
+    EXPECT_EQ(handles().service->GetStageGeometry(1), 70.0);
+    EXPECT_TRUE(harness.messages().empty());
+}
+
+using testing::FailureEnds;
+using testing::SweptHandler;
+
+SweptHandler pressing(std::string name, const char* button, std::string file = {}) {
+    return {std::move(name),
+            [button, file](WindowHarness& h, Form& w) {
+                if (!file.empty())
+                    h.answerFileDialog(file);
+                press(w, button);
+            },
+            file.empty() ? FailureEnds::OneMessage : FailureEnds::Transfer};
+}
+
+SweptHandler committing(const char* field) {
+    return {field, [field](WindowHarness&, Form& w) { commit(w, field); }};
+}
+
+// Cancel refused: one message and the page stays open (the sweep checks both).
+TEST(FailureSweep, CustomerWindows) {
+    WindowHarness harness;
+    harness.openSession();
+    QTemporaryDir dir;
+    const std::string exported = dir.filePath(QStringLiteral("export.csv")).toStdString();
+    const std::string customer = dir.filePath(QStringLiteral("customer.csv")).toStdString();
+    const std::string stage = dir.filePath(QStringLiteral("stage.csv")).toStdString();
+    ExportGroup(SettingGroup::Customer, customer, handles(), messageSink());
+    ExportGroup(SettingGroup::CustomerStageConfiguration, stage, handles(), messageSink());
+
+    int cases = testing::sweepFailures(harness, page(),
+                                       {committing("usrStopperID"),
+                                        committing("usrStopperOD"),
+                                        {"Advanced",
+                                         [](WindowHarness& h, Form& w) {
+                                             h.whenActive<frmCusStageConfig>(
+                                                 [](frmCusStageConfig& s) { press(s, "cmdOK"); });
+                                             press(w, "cmdAdvanced");
+                                         }},
+                                        pressing("Recall", "cmdRecall"),
+                                        pressing("Save", "cmdSave"),
+                                        pressing("Import", "cmdImport", customer),
+                                        pressing("Export", "cmdExport", exported)});
+    cases += testing::sweepFailures(
+        harness, [](QWidget* p) { return std::make_unique<frmCusStageConfig>(p); },
+        {committing("usrTCSC"), committing("usrTCRP"), committing("usrOFST"), pressing("Cancel", "cmdCancel"),
+         pressing("Import", "cmdImport", stage), pressing("Export", "cmdExport", exported)});
+    EXPECT_GT(cases, 30);
+}
+
+} // namespace
+} // namespace vss
