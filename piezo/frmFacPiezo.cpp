@@ -1,0 +1,186 @@
+#include "piezo/frmFacPiezo.h"
+
+#include "kit/FormBuild.h"
+#include "kit/modGlobal.h"
+#include "piezo/frmFacPiezoControl.h"
+#include "piezo/frmPiezoAdjust.h"
+
+#include <algorithm>
+
+namespace vss {
+namespace {
+
+constexpr int kRowPitch = 360;
+
+// A number committed in a field, when it holds one.
+std::optional<double> typedNumber(const Variant& value) {
+    if (value.type() != Variant::Type::Double)
+        return std::nullopt;
+    return value.dbl();
+}
+
+} // namespace
+
+frmFacPiezo::frmFacPiezo(QWidget* parent) : SettingsPage(parent, SettingGroup::PiezoData, false) {
+    setWindowTitle(QStringLiteral("Piezo Data (Factory use only)"));
+    build();
+    setLabels();
+    refreshAll();
+}
+
+frmFacPiezo::~frmFacPiezo() = default;
+
+void frmFacPiezo::build() {
+    usrPiezoSerial_ =
+        newProperty(this, "usrPiezoSerial", 120, 120, 4320, 300, {.caption = QStringLiteral("Piezo Serial")});
+
+    const int coefFrameHeight = 300 + kCoefRows * kRowPitch + 120;
+    const int calFrameHeight = 1800 + coefFrameHeight + 120;
+    QGroupBox* frmCal = newFrame(this, "frmCalibarationData", QStringLiteral("Calibration Data"), 120, 540,
+                                 4320, calFrameHeight);
+    const auto range = [frmCal](const char* label, const char* name, const char* caption, int top,
+                                const char* unit) {
+        QLabel* lbl = newLabel(frmCal, label, QString::fromLatin1(caption), 120, top + 30, 900, 255);
+        userText* field =
+            newValueField(frmCal, name, 1080, top, 3120, 300, {.unit = QString::fromLatin1(unit)});
+        lbl->setBuddy(field);
+        return field;
+    };
+    usrVmin_ = range("lblVmin", "usrVmin", "Vmin", 300, "V");
+    usrVmax_ = range("lblVmax", "usrVmax", "Vmax", 660, "V");
+    usrXmin_ = range("lblXmin", "usrXmin", "Xmin", 1020, "m");
+    usrXmax_ = range("lblXmax", "usrXmax", "Xmax", 1380, "m");
+    QGroupBox* frmCalCoef =
+        newFrame(frmCal, "frmCalCoef", QStringLiteral("Coefficients"), 60, 1800, 4200, coefFrameHeight);
+    for (int i = 0; i < kCoefRows; ++i) {
+        const QByteArray name = "usrCalCoef_" + QByteArray::number(i);
+        usrCalCoef_[static_cast<std::size_t>(i)] =
+            newProperty(frmCalCoef, name.constData(), 120, 300 + i * kRowPitch, 3960, 300, {});
+    }
+
+    const int adjustFrameHeight = AdjustRows::bottomTwips(kAdjustRows, 300) + 180;
+    QGroupBox* frmAdjust =
+        newFrame(this, "frmAdjust", QStringLiteral("Adjust"), 4560, 540, 4320, adjustFrameHeight);
+    adjust_ = std::make_unique<AdjustRows>(frmAdjust, kAdjustRows, 120, 300, 4080);
+
+    const int controlTop = 540 + calFrameHeight + 120;
+    const int controlFrameHeight = ControlDataFields::bottomTwips() + 600;
+    QGroupBox* frmControlData = newFrame(this, "frmControlData", QStringLiteral("Control Data"), 120,
+                                         controlTop, 8760, controlFrameHeight);
+    control_ = std::make_unique<ControlDataFields>(frmControlData, true);
+    QPushButton* cmdAdvanced = newButton(frmControlData, "cmdAdvanced", QStringLiteral("Advanced"), 7425,
+                                         ControlDataFields::bottomTwips() + 120, 1215, 375);
+
+    const int buttonTop = controlTop + controlFrameHeight + 180;
+    QPushButton* cmdSave = newButton(this, "cmdSave", QStringLiteral("Save"), 120, buttonTop, 1215, 375);
+    QPushButton* cmdRecall =
+        newButton(this, "cmdRecall", QStringLiteral("Recall"), 1440, buttonTop, 1215, 375);
+    QPushButton* cmdExport =
+        newButton(this, "cmdExport", QStringLiteral("Export"), 2760, buttonTop, 1215, 375);
+    QPushButton* cmdImport =
+        newButton(this, "cmdImport", QStringLiteral("Import"), 4080, buttonTop, 1215, 375);
+    QPushButton* cmdReturn =
+        newButton(this, "cmdReturn", QStringLiteral("Return"), 7905, buttonTop, 975, 375);
+    setClientSizeTwips(9000, buttonTop + 495);
+
+    connect(usrPiezoSerial_, &userProperty::ChangeValue, this, &frmFacPiezo::usrPiezoSerial_ChangeValue);
+    for (userText* field : {usrVmin_, usrVmax_, usrXmin_, usrXmax_})
+        connect(field, &userText::ChangeValue, this, &frmFacPiezo::calibration_ChangeValue);
+    for (userProperty* row : usrCalCoef_)
+        connect(row, &userProperty::ChangeValue, this, &frmFacPiezo::calibration_ChangeValue);
+    for (int i = 0; i < kAdjustRows; ++i) {
+        connect(adjust_->rows()[static_cast<std::size_t>(i)], &userProperty::ChangeValue, this,
+                [this, i] { usrAdjust_ChangeValue(i); });
+    }
+    connect(cmdAdvanced, &QPushButton::clicked, this, &frmFacPiezo::cmdAdvanced_Click);
+    connectGroupButtons({cmdSave, cmdRecall, cmdExport, cmdImport}, [this] { refreshAll(); });
+    connect(cmdReturn, &QPushButton::clicked, this, &Form::accept);
+}
+
+void frmFacPiezo::setLabels() {
+    const std::vector<std::string> names = handles().service->GetPiezoCalCoefNames();
+    for (std::size_t i = 0; i < usrCalCoef_.size(); ++i)
+        usrCalCoef_[i]->setCaption(i < names.size() ? QString::fromStdString(names[i]) : QString());
+    adjust_->setLabels(handles().service->GetPiezoAdjustList());
+}
+
+void frmFacPiezo::refreshAll() {
+    serialRead_ = handles().service->GetPiezoSerial();
+    showValue(usrPiezoSerial_, Variant(serialRead_));
+    adjust_->refreshAll();
+    refreshCalibration();
+    refreshControlData();
+}
+
+// The rows in use follow the coefficients the instrument gives.
+void frmFacPiezo::refreshCalibration() {
+    const PiezoCalCoef cal = handles().service->GetPiezoCalCoef();
+    usrVmin_->setValue(cal.vmin);
+    usrVmax_->setValue(cal.vmax);
+    usrXmin_->setValue(cal.xmin);
+    usrXmax_->setValue(cal.xmax);
+    calRead_ = cal;
+    for (std::size_t i = 0; i < usrCalCoef_.size(); ++i) {
+        usrCalCoef_[i]->setVisible(i < cal.coef.size());
+        if (i < cal.coef.size())
+            showValue(usrCalCoef_[i], Variant(cal.coef[i]));
+    }
+}
+
+void frmFacPiezo::refreshControlData() {
+    control_->show(handles().service->GetPiezoControlData());
+}
+
+// The calibration as the fields hold it, the coefficients without a row as read; nothing when a field holds
+// no number (it was never read).
+std::optional<PiezoCalCoef> frmFacPiezo::typedCalibration() const {
+    PiezoCalCoef cal;
+    const std::optional<double> range[] = {typedNumber(usrVmin_->Value()), typedNumber(usrVmax_->Value()),
+                                           typedNumber(usrXmin_->Value()), typedNumber(usrXmax_->Value())};
+    if (!std::all_of(std::begin(range), std::end(range), [](const auto& v) { return v.has_value(); }))
+        return std::nullopt;
+    cal.vmin = *range[0];
+    cal.vmax = *range[1];
+    cal.xmin = *range[2];
+    cal.xmax = *range[3];
+    cal.coef = calRead_.coef;
+    for (std::size_t i = 0; i < cal.coef.size() && i < usrCalCoef_.size(); ++i) {
+        const std::optional<double> typed = typedNumber(usrCalCoef_[i]->Value());
+        if (!typed)
+            return std::nullopt;
+        cal.coef[i] = *typed;
+    }
+    return cal;
+}
+
+void frmFacPiezo::usrPiezoSerial_ChangeValue() {
+    const Variant serial = usrPiezoSerial_->Value();
+    if (isBusy() || serial.type() != Variant::Type::Text || serial.text() == serialRead_)
+        return;
+    // The serial is not read back: once written, the text shown is the instrument's.
+    if (command([&serial] { handles().service->SetPiezoSerial(serial.text()); }))
+        serialRead_ = serial.text();
+}
+
+void frmFacPiezo::usrAdjust_ChangeValue(int index) {
+    const std::optional<std::int32_t> dac = adjust_->edited(index);
+    if (isBusy() || !dac) // a commit caused by the window's own disabling, or no edit
+        return;
+    command([index, dac] { handles().service->SetPiezoAdjust(static_cast<std::int16_t>(index), *dac); },
+            [this, index] { adjust_->refresh(index); });
+}
+
+// Any field of the calibration writes the whole set in one call.
+void frmFacPiezo::calibration_ChangeValue() {
+    const std::optional<PiezoCalCoef> cal = typedCalibration();
+    if (isBusy() || !cal || *cal == calRead_)
+        return;
+    command([&cal] { handles().service->SetPiezoCalCoef(*cal); }, [this] { refreshCalibration(); });
+}
+
+void frmFacPiezo::cmdAdvanced_Click() {
+    if (openModal([](QWidget* parent) { return std::make_unique<frmFacPiezoControl>(parent); }))
+        trapErrors([this] { refreshControlData(); });
+}
+
+} // namespace vss

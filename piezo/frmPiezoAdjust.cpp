@@ -1,0 +1,130 @@
+#include "piezo/frmPiezoAdjust.h"
+
+#include "kit/FormBuild.h"
+#include "kit/Reads.h"
+#include "kit/SettingTransfer.h"
+#include "kit/modGlobal.h"
+
+#include <QCheckBox>
+#include <algorithm>
+
+namespace vss {
+namespace {
+
+constexpr int kRowPitch = 360;
+constexpr int kRowHeight = 300;
+
+} // namespace
+
+AdjustRows::AdjustRows(QWidget* frame, int rows, int left, int top, int width)
+    : read_(static_cast<std::size_t>(rows)) {
+    for (int i = 0; i < rows; ++i) {
+        const QByteArray name = "usrAdjust_" + QByteArray::number(i);
+        rows_.push_back(
+            newProperty(frame, name.constData(), left, top + i * kRowPitch, width, kRowHeight, {}));
+    }
+}
+
+void AdjustRows::setLabels(const std::vector<std::string>& names) {
+    inUse_ = static_cast<int>(std::min(names.size(), rows_.size()));
+    for (int i = 0; i < static_cast<int>(rows_.size()); ++i) {
+        userProperty* row = rows_[static_cast<std::size_t>(i)];
+        row->setVisible(i < inUse_);
+        if (i < inUse_)
+            row->setCaption(QString::fromStdString(names[static_cast<std::size_t>(i)]));
+    }
+}
+
+void AdjustRows::refreshAll() {
+    for (int i = 0; i < inUse_; ++i)
+        refresh(i);
+}
+
+void AdjustRows::refresh(int index) {
+    const std::int32_t dac = handles().service->GetPiezoAdjust(static_cast<std::int16_t>(index));
+    read_[static_cast<std::size_t>(index)] = dac;
+    showValue(rows_[static_cast<std::size_t>(index)], Variant(dac));
+}
+
+std::optional<std::int32_t> AdjustRows::edited(int index) const {
+    const auto row = static_cast<std::size_t>(index);
+    const Variant value = rows_[row]->Value();
+    if (value.type() != Variant::Type::Int32 || value.int32() == read_[row])
+        return std::nullopt;
+    return value.int32();
+}
+
+int AdjustRows::bottomTwips(int rows, int top) {
+    return top + (rows - 1) * kRowPitch + kRowHeight;
+}
+
+frmPiezoAdjust::frmPiezoAdjust(QWidget* parent) : PollingForm(parent) {
+    setWindowTitle(QStringLiteral("Piezo DAC Adjust (Factory use only)"));
+    chkPiezoLoop_ =
+        put(new QCheckBox(QStringLiteral("Piezo Loop Close"), this), "chkPiezoLoop", 120, 240, 2400, 300);
+    QGroupBox* frmStatus = newFrame(this, "frmStatus", QStringLiteral("Loop Status"), 2640, 60, 2040, 720);
+    txtBalanced_ = newTextBox(frmStatus, "txtBalanced", 120, 300, 1800, 300, true);
+    txtBalanced_->setText(QStringLiteral("Unbalace"));
+    txtBalanced_->setAccessibleName(QStringLiteral("Loop Status"));
+    const int frameHeight = AdjustRows::bottomTwips(kAdjustRows, 300) + 180;
+    QGroupBox* frmAdjust = newFrame(this, "frmAdjust", QStringLiteral("Adjust"), 120, 900, 4560, frameHeight);
+    adjust_.emplace(frmAdjust, kAdjustRows, 120, 300, 4320);
+    const int buttonTop = 900 + frameHeight + 120;
+    QPushButton* cmdExport =
+        newButton(this, "cmdExport", QStringLiteral("Export"), 120, buttonTop, 1215, 375);
+    QPushButton* cmdImport =
+        newButton(this, "cmdImport", QStringLiteral("Import"), 1440, buttonTop, 1215, 375);
+    QPushButton* cmdReturn =
+        newButton(this, "cmdReturn", QStringLiteral("Return"), 3705, buttonTop, 975, 375);
+    setClientSizeTwips(4800, buttonTop + 495);
+
+    connect(chkPiezoLoop_, &QCheckBox::clicked, this, &frmPiezoAdjust::chkPiezoLoop_Click);
+    for (int i = 0; i < kAdjustRows; ++i) {
+        connect(adjust_->rows()[static_cast<std::size_t>(i)], &userProperty::ChangeValue, this,
+                [this, i] { usrAdjust_ChangeValue(i); });
+    }
+    connect(cmdExport, &QPushButton::clicked, this,
+            [this] { exportSettingGroup(*this, SettingGroup::PiezoAdjustData); });
+    connect(cmdImport, &QPushButton::clicked, this, &frmPiezoAdjust::cmdImport_Click);
+    connect(cmdReturn, &QPushButton::clicked, this, &frmPiezoAdjust::cmdReturn_Click);
+
+    adjust_->setLabels(handles().service->GetPiezoAdjustList());
+    refresh();
+    startPolling();
+}
+
+void frmPiezoAdjust::refresh() {
+    adjust_->refreshAll();
+    chkPiezoLoop_->setChecked(handles().service->GetPiezoLoop());
+}
+
+// The poll does not turn the window busy: the factory edits while the status updates.
+void frmPiezoAdjust::onPoll() {
+    const bool balanced = readOr([] { return handles().service->GetPiezoBalanced(); }, false);
+    showText(txtBalanced_, balanced ? QStringLiteral("Balanced") : QStringLiteral("Unbalance"));
+}
+
+void frmPiezoAdjust::chkPiezoLoop_Click(bool checked) {
+    command([checked] { handles().service->SetPiezoLoop(checked); });
+}
+
+void frmPiezoAdjust::usrAdjust_ChangeValue(int index) {
+    const std::optional<std::int32_t> dac = adjust_->edited(index);
+    if (isBusy() || !dac) // a commit caused by the window's own disabling, or no edit
+        return;
+    command([index, dac] { handles().service->SetPiezoAdjust(static_cast<std::int16_t>(index), *dac); },
+            [this, index] { adjust_->refresh(index); });
+}
+
+void frmPiezoAdjust::cmdImport_Click() {
+    importSettingGroup(*this, SettingGroup::PiezoAdjustData);
+    if (!isUnloaded())
+        trapErrors([this] { refresh(); });
+}
+
+void frmPiezoAdjust::cmdReturn_Click() {
+    stopPolling();
+    accept();
+}
+
+} // namespace vss

@@ -14,10 +14,14 @@ std::string SimService::GetPiezoSerial() { return m().working.piezo.serial; }
 void SimService::SetPiezoLoop(bool closed) { m().hw.piezoLoop = closed; }
 bool SimService::GetPiezoLoop() { return m().hw.piezoLoop; }
 std::vector<std::string> SimService::GetPiezoAdjustList() { return piezoAdjustNames(); }
+// The bias point's DAC is eleven bits wide: a value above its top count is kept at the top count.
+constexpr std::int16_t kBiasPoint = 4;
+constexpr std::int32_t kBiasTop = 2047;
+
 void SimService::SetPiezoAdjust(std::int16_t index, std::int32_t dac) {
     checkAdjustIndex(index);
     checkAdjust(dac);
-    m().working.piezo.adjust[static_cast<std::size_t>(index)] = dac;
+    m().working.piezo.adjust[static_cast<std::size_t>(index)] = index == kBiasPoint && dac > kBiasTop ? kBiasTop : dac;
 }
 std::int32_t SimService::GetPiezoAdjust(std::int16_t index) {
     checkAdjustIndex(index);
