@@ -1,0 +1,85 @@
+#include "factory/frmBacklashCompen.h"
+
+#include "factory/PropertyPage.h"
+#include "kit/FormBuild.h"
+#include "kit/modGlobal.h"
+
+#include <string>
+
+namespace vss {
+namespace {
+
+struct Entry {
+    const char* caption;
+    const char* hint;
+};
+
+constexpr std::array<Entry, frmBacklashCompen::kEntries> kEntryTexts{{
+    {"A (ID to outer)", "Used when moving from ID to Outer direction"},
+    {"B (ID to inner)", "Used when moving from ID to Innerdirection"},
+    {"C (OD to inner)", "Used when moving from OD to Inner direction"},
+    {"D (OD to outer)", "Used when moving from OD to Outer direction"},
+    {"E (Home to Inner)", "Used when moving from Home to Inner direction"},
+}};
+
+} // namespace
+
+frmBacklashCompen::frmBacklashCompen(QWidget* parent, bool viewOnly)
+    : SettingsPage(parent, SettingGroup::BacklashCompensation, viewOnly) {
+    setWindowTitle(QStringLiteral("Stage Backlash Compensation Data"));
+    setClientSizeTwips(9120, 3435);
+    QGroupBox* frmBacklashComp = newFrame(
+        this, "frmBacklashComp", QStringLiteral("Backlash Compensation Pulse Counts"), 120, 120, 8880, 2100);
+    for (int k = 0; k < kEntries; ++k) {
+        const int top = 300 + k * 360;
+        const std::string name = "usrBacklash_" + std::to_string(k);
+        const std::string hint = "lblBacklashHint_" + std::to_string(k);
+        usrBacklash_[k] = newProperty(frmBacklashComp, name.c_str(), 120, top, 3600, 300,
+                                      {.caption = QString::fromLatin1(kEntryTexts[k].caption)});
+        newLabel(frmBacklashComp, hint.c_str(), QString::fromLatin1(kEntryTexts[k].hint), 3840, top + 30,
+                 4920, 255);
+        connect(usrBacklash_[k], &userProperty::ChangeValue, this, [this, k] { usrBacklash_ChangeValue(k); });
+    }
+    usrPropBacklashDate_ = newProperty(this, "usrPropBacklashDate", 240, 2340, 5400, 300,
+                                       {.caption = QStringLiteral("Last update"), .locked = true});
+    usrPropBacklashDate_->setLayoutAuto(false); // room for the date, its editor in line with the values above
+    usrPropBacklashDate_->setLabelWidth(1790);
+
+    QPushButton* cmdRecall = newButton(this, "cmdRecall", QStringLiteral("Recall"), 120, 2940, 975, 375);
+    QPushButton* cmdSave = newButton(this, "cmdSave", QStringLiteral("Save"), 1200, 2940, 975, 375);
+    QPushButton* cmdImp =
+        newButton(this, "cmdImpBacklashDat", QStringLiteral("Import"), 2280, 2940, 975, 375);
+    QPushButton* cmdExp =
+        newButton(this, "cmdExpBacklashDat", QStringLiteral("Export"), 3360, 2940, 975, 375);
+    QPushButton* cmdReturn = newButton(this, "cmdReturn", QStringLiteral("Return"), 8025, 2940, 975, 375);
+    connectGroupButtons({cmdSave, cmdRecall, cmdExp, cmdImp}, [this] { refresh(); });
+    connect(cmdReturn, &QPushButton::clicked, this, &Form::accept);
+
+    // Opening: the date first, then the values from the first entry to the last.
+    showValue(usrPropBacklashDate_, handles().service->GetBacklashDate());
+    usrPropBacklashDate_->setEnabled(!ViewOnly());
+    for (int k = 0; k < kEntries; ++k) {
+        showValue(usrBacklash_[k], handles().service->GetBacklashCompensation(static_cast<std::int16_t>(k)));
+        usrBacklash_[k]->setEnabled(!ViewOnly());
+    }
+    applyViewOnly({cmdExp, cmdImp, cmdSave, cmdRecall}, {});
+}
+
+// The values from the first entry to the last, then the date.
+void frmBacklashCompen::refresh() {
+    for (int k = 0; k < kEntries; ++k)
+        showValue(usrBacklash_[k], handles().service->GetBacklashCompensation(static_cast<std::int16_t>(k)));
+    showValue(usrPropBacklashDate_, handles().service->GetBacklashDate());
+}
+
+// Only the entry edited is written; the date shows the instrument's on the next refresh.
+void frmBacklashCompen::usrBacklash_ChangeValue(int index) {
+    if (commitIgnored(*this))
+        return;
+    command([this, index] {
+        handles().service->SetBacklashCompensation(static_cast<std::int16_t>(index),
+                                                   int32Of(usrBacklash_[index]->Value()));
+    });
+}
+
+} // namespace vss

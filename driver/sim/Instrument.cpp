@@ -1,6 +1,7 @@
 #include "driver/sim/Instrument.h"
 
 #include "driver/DriverError.h"
+#include "driver/sim/Catalogue.h"
 #include "driver/sim/StageGeometry.h"
 
 #include <algorithm>
@@ -59,6 +60,9 @@ Instrument::Instrument(const SimOptions& options)
     nonVolatile_ = Settings::factory();
     working = nonVolatile_;
     loadMemory();
+    spinstandTypes = sim::spinstandTypes();
+    if (options.spinstandTypeCodes.size() == spinstandTypes.codes.size())
+        spinstandTypes.codes = options.spinstandTypeCodes;
 }
 
 void Instrument::loadMemory() {

@@ -107,6 +107,7 @@ public:
     void recall(Group g);
     void setSpeedRange(std::int32_t min, std::int32_t max);
 
+    NamedCodes spinstandTypes; // the spinstand type list the instrument offers
     Settings working;
     MeasurementSettings measurement;
     Hardware hw;

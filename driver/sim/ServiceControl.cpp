@@ -32,9 +32,9 @@ std::string SimService::GetSerialNumber() { return m().working.version.serialNum
 
 void SimService::SetSettingUnknown(bool unknown) { m().working.spinstand.settingUnknown = unknown; }
 bool SimService::GetSettingUnknown() { return m().working.spinstand.settingUnknown; }
-NamedCodes SimService::GetSpinstandTypeList() { return spinstandTypes(); }
+NamedCodes SimService::GetSpinstandTypeList() { return m().spinstandTypes; }
 void SimService::SetSpinstandType(std::int16_t type) {
-    checkCode("Spinstand type", spinstandTypes(), type);
+    checkCode("Spinstand type", m().spinstandTypes, type);
     m().working.spinstand.spinstandType = type;
 }
 std::int16_t SimService::GetSpinstandType() { return m().working.spinstand.spinstandType; }

@@ -11,6 +11,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace vss::sim {
 
@@ -18,6 +19,7 @@ struct SimOptions {
     std::string statePath;          // non-volatile file; empty: defaultStatePath(); "-" or ":memory:": none
     bool delays = false;            // realistic timing of loads, moves and spin-ups
     bool headLoaderPresent = true;  // false: every IDriverHeadLoader operation fails
+    std::vector<std::int16_t> spinstandTypeCodes{}; // the codes of the spinstand type list; empty: 0, 1, 2
 };
 
 // Inputs that the instrument reads from its sensors; tests and demonstrations set them at run time.

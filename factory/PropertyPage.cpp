@@ -1,0 +1,65 @@
+#include "factory/PropertyPage.h"
+
+#include "kit/FormBuild.h"
+#include "kit/modGlobal.h"
+
+#include <cmath>
+#include <limits>
+#include <stdexcept>
+
+namespace vss {
+
+std::int32_t int32Of(const Variant& value) {
+    if (value.type() == Variant::Type::Int32)
+        return value.int32();
+    const double rounded = std::round(value.toDouble());
+    if (!(rounded >= std::numeric_limits<std::int32_t>::min() &&
+          rounded <= std::numeric_limits<std::int32_t>::max()))
+        throw std::out_of_range("Overflow");
+    return static_cast<std::int32_t>(rounded);
+}
+
+PropertyPage::PropertyPage(QWidget* parent, SettingGroup group, bool viewOnly, Family family)
+    : SettingsPage(parent, group, viewOnly), family_(family) {}
+
+QGroupBox* PropertyPage::buildPropertyFrame(const char* name, const QString& caption, std::int16_t digits) {
+    QGroupBox* frame = newFrame(this, name, caption, 120, 120, kFrameWidth, 600);
+    const Family f = family_;
+    PropertySource source{
+        .list = [f] { return (handles().service.get()->*f.list)(); },
+        .choices = [f](std::int16_t id) { return (handles().service.get()->*f.choices)(id); },
+        .read = [f](std::int16_t id) { return (handles().service.get()->*f.read)(id); },
+    };
+    rows_ =
+        new PropertyRows(frame, "usrProperty", std::move(source),
+                         {.left = 120, .width = kFrameWidth - 240, .digits = digits, .locked = ViewOnly()});
+    rows_->build();
+    connect(rows_, &PropertyRows::rowChanged, this, &PropertyPage::usrProperty_ChangeValue);
+    return frame;
+}
+
+void PropertyPage::addGroupButtons(int top, std::function<void()> refresh) {
+    QPushButton* cmdSave = newButton(this, "cmdSave", QStringLiteral("Save"), 120, top, 975, 375);
+    QPushButton* cmdRecall = newButton(this, "cmdRecall", QStringLiteral("Recall"), 1200, top, 975, 375);
+    QPushButton* cmdImport = newButton(this, "cmdImport", QStringLiteral("Import"), 2280, top, 975, 375);
+    QPushButton* cmdExport = newButton(this, "cmdExport", QStringLiteral("Export"), 3360, top, 975, 375);
+    QPushButton* cmdReturn =
+        newButton(this, "cmdReturn", QStringLiteral("Return"), kPageWidth - 1095, top, 975, 375);
+    connectGroupButtons({cmdSave, cmdRecall, cmdExport, cmdImport}, std::move(refresh));
+    connect(cmdReturn, &QPushButton::clicked, this, &Form::accept);
+    applyViewOnly({cmdImport, cmdSave, cmdRecall}, {});
+    setClientSizeTwips(kPageWidth, top + 495);
+}
+
+// The row's value goes out with the type it has; the row then shows what the instrument kept.
+void PropertyPage::usrProperty_ChangeValue(int index) {
+    if (commitIgnored(*this))
+        return;
+    const std::int16_t id = rows_->id(index);
+    const Variant value = rows_->value(index);
+    const Family f = family_;
+    command([f, id, value] { (handles().service.get()->*f.write)(id, value); },
+            [this, index] { rows_->refreshRow(index); });
+}
+
+} // namespace vss
