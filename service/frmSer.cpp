@@ -85,8 +85,12 @@ frmSer::frmSer(QWidget* parent) : PollingForm(parent) {
     setWindowTitle(appTitle() + QStringLiteral(" (Service use only)"));
     build();
     connectCommands();
-    handles().service->SetStageMotor(0);
-    refreshOptions();
+    // A refusal while the panel loads is reported, and the panel opens all the same: it is where the engineer
+    // puts the instrument right.
+    trapErrors([this] {
+        handles().service->SetStageMotor(0);
+        refreshOptions();
+    });
     startPolling();
 }
 
@@ -354,11 +358,11 @@ void frmSer::sendOption(Options& options, int index, const std::function<void(in
         select(options, options.shown);
 }
 
-// A speed is sent when a committed value differs from the instrument's; text that is not a whole number in
-// range leaves the field's value as it was, so nothing is sent.
+// Every committed speed is sent, changed or not; text that is not a whole number in range leaves the field's
+// value as it was. A refused speed gives way to the instrument's own again.
 void frmSer::usrRpm_ChangeValue() {
     const Variant typed = usrRpm_->Value();
-    if (isBusy() || typed.type() != Variant::Type::Int32 || typed.int32() == rpmShown_)
+    if (isBusy() || typed.type() != Variant::Type::Int32)
         return;
     const std::int32_t rpm = typed.int32();
     if (!command([rpm] { handles().service->SetSpindleRpm(rpm); }, [this] { refreshSpeed(); }))
@@ -389,28 +393,34 @@ void frmSer::cmdReset_Click() {
 // restriction off. The load position and the restriction are put back whether or not the move got through:
 // a failure shows its own message first, then one that names what could not be put back.
 void frmSer::runBacklashMove(const BacklashMove& move) {
-    std::string notRestored;
-    const bool done = runBusy([&] {
+    runBusy([&] {
         IDriver& driver = *handles().driver;
         if (driver.GetState() == state::Uninitialized)
             driver.Initialize();
         else
             driver.Reset();
         const LoadSetting saved = readLoadSetting();
+        std::exception_ptr failure;
         try {
             loadAtBacklashRadius();
             if (move.start)
                 moveStage(*move.start, move.target);
         } catch (...) {
-            notRestored = restoreLoadSetting(saved);
-            throw;
+            failure = std::current_exception();
         }
-        notRestored = restoreLoadSetting(saved);
+        const std::string notRestored = restoreLoadSetting(saved);
+        if (failure && !notRestored.empty()) {
+            try {
+                std::rethrow_exception(failure);
+            } catch (const std::exception& e) {
+                showMessage(e.what()); // the move's own failure first, then what could not be put back
+            }
+        } else if (failure) {
+            std::rethrow_exception(failure);
+        }
+        if (!notRestored.empty())
+            throw DriverError(notRestored);
     });
-    if (!notRestored.empty())
-        showMessage(notRestored);
-    else if (done && !isUnloaded())
-        trapErrors([this] { refreshStageOptions(); });
 }
 
 frmSer::LoadSetting frmSer::readLoadSetting() {
