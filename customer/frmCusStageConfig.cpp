@@ -118,8 +118,8 @@ void frmCusStageConfig::cmdCancel_Click() {
 }
 
 void frmCusStageConfig::cmdImport_Click() {
-    importSettingGroup(*this, SettingGroup::CustomerStageConfiguration);
-    trapErrors([this] { RefreshStageAll(); });
+    if (importSettingGroup(*this, SettingGroup::CustomerStageConfiguration))
+        trapErrors([this] { RefreshStageAll(); });
 }
 
 } // namespace vss

@@ -14,13 +14,16 @@ namespace {
 
 // An error ends the transfer without a message of its own (a refusal of the instrument, a number too large for
 // its field): what is said about the file is said by the file reader, field by field, as it reads.
-void transfer(Form& form, const std::function<void()>& steps) {
+bool transfer(Form& form, const std::function<void()>& steps) {
     form.disableAllControls();
+    bool done = false;
     try {
         steps();
+        done = true;
     } catch (const std::exception&) {
     }
     form.enableAllControls();
+    return done;
 }
 
 dlgConfigFile& settingFileDialog() {
@@ -31,17 +34,17 @@ dlgConfigFile& settingFileDialog() {
 
 } // namespace
 
-void exportSettingGroup(Form& form, SettingGroup group) {
+bool exportSettingGroup(Form& form, SettingGroup group) {
     const GroupDef& def = groupDef(group);
-    transfer(form, [&] {
+    return transfer(form, [&] {
         const std::string file = settingFileDialog().showSave(def.exportTitle);
         ExportGroup(group, file, handles(), messageSink());
     });
 }
 
-void importSettingGroup(Form& form, SettingGroup group) {
+bool importSettingGroup(Form& form, SettingGroup group) {
     const GroupDef& def = groupDef(group);
-    transfer(form, [&] {
+    return transfer(form, [&] {
         const std::string file = settingFileDialog().showOpen(def.importTitle);
         ImportGroup(def.importCode, file, handles(), messageSink());
     });

@@ -75,8 +75,7 @@ void SettingsPage::connectGroupButtons(const GroupButtons& buttons, std::functio
         connect(buttons.exportButton, &QPushButton::clicked, this, [this] { exportSettingGroup(*this, group_); });
     if (buttons.importButton) {
         connect(buttons.importButton, &QPushButton::clicked, this, [this, refresh] {
-            importSettingGroup(*this, group_);
-            if (refresh && !isUnloaded())
+            if (importSettingGroup(*this, group_) && refresh && !isUnloaded())
                 trapErrors(refresh);
         });
     }

@@ -6,7 +6,8 @@
 // - Save: in the busy bracket, the group's save operation (nothing is read back);
 // - Recall: in the busy bracket, the group's recall operation; then the page's refresh;
 // - Export: the group to the file the save dialog gives (the group's dialog title, the setting-file filter);
-// - Import: the group from the file the open dialog gives; then the page's refresh.
+// - Import: the group from the file the open dialog gives; then, when the import ran to its end, the page's
+//   refresh (a failed import ends the handler, as any failure does).
 
 #include "kit/CommandForm.h"
 #include "storage/modConfigFile.h"

@@ -196,8 +196,8 @@ void frmIniSetting::chkDiskSizeRestrictionOn_Click(bool checked) {
 }
 
 void frmIniSetting::cmdImport_Click() {
-    importSettingGroup(*this, SettingGroup::Setting);
-    trapErrors([this] { refreshAll(); });
+    if (importSettingGroup(*this, SettingGroup::Setting))
+        trapErrors([this] { refreshAll(); });
 }
 
 } // namespace vss

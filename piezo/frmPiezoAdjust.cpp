@@ -117,8 +117,7 @@ void frmPiezoAdjust::usrAdjust_ChangeValue(int index) {
 }
 
 void frmPiezoAdjust::cmdImport_Click() {
-    importSettingGroup(*this, SettingGroup::PiezoAdjustData);
-    if (!isUnloaded())
+    if (importSettingGroup(*this, SettingGroup::PiezoAdjustData) && !isUnloaded())
         trapErrors([this] { refresh(); });
 }
 

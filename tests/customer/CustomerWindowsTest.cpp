@@ -171,7 +171,7 @@ TEST(MeasurementPositions, GroupButtonsSaveRecallExportAndImport) {
         ASSERT_TRUE(exported.open(QIODevice::ReadOnly));
         const QByteArray text = exported.readAll();
         EXPECT_EQ(text.count("Customer Configuration"), 2);
-        EXPECT_EQ(text.count("# %StageConfiguration") % 2, 0);
+        EXPECT_EQ(text.count("# %StageConfiguration"), 4) << "each report holds the information block, named twice";
 
         handles().service->SetStopperPosition(1, 30.0);
         handles().service->SetStageGeometry(2, 6.0);

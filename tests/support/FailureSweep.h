@@ -18,7 +18,7 @@ namespace vss::testing {
 
 enum class FailureEnds {
     OneMessage, // the driver's description, once
-    Transfer,   // Export and Import: the transfer ends without a message; the refresh after it reports once
+    Transfer,   // Export and Import: a failed transfer ends without a message; a refresh after it reports once
     Closing,    // the window closes; no more than the one message
 };
 
