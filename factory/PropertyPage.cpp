@@ -53,6 +53,8 @@ void PropertyPage::addGroupButtons(int top, std::function<void()> refresh) {
 
 // The row's value goes out with the type it has; the row then shows what the instrument kept.
 void PropertyPage::usrProperty_ChangeValue(int index) {
+    if (!isBusy() && ViewOnly()) // a check box is never locked: a click on it shows the instrument's value again
+        trapErrors([this, index] { rows_->refreshRow(index); });
     if (commitIgnored(*this))
         return;
     const std::int16_t id = rows_->id(index);

@@ -155,7 +155,9 @@ void frmFacSpinstand::RefreshSpinstandType() {
 
 // The head face is shown as the list's 16-bit code.
 void frmFacSpinstand::RefreshHeadFace() {
-    showValue(usrHeadFace_, static_cast<std::int16_t>(handles().service->GetHeadFace()));
+    // Any face but the up face (0) is the down face (1), as the setting file writes it.
+    const bool downFace = handles().service->GetHeadFace() != 0;
+    showValue(usrHeadFace_, static_cast<std::int16_t>(downFace ? 1 : 0));
 }
 
 void frmFacSpinstand::RefreshDiskSize() {

@@ -120,6 +120,7 @@ void frmFacPiezo::refreshCalibration() {
     usrXmin_->setValue(cal.xmin);
     usrXmax_->setValue(cal.xmax);
     calRead_ = cal;
+    calKnown_ = true;
     for (std::size_t i = 0; i < usrCalCoef_.size(); ++i) {
         usrCalCoef_[i]->setVisible(i < cal.coef.size());
         if (i < cal.coef.size())
@@ -166,16 +167,20 @@ void frmFacPiezo::usrAdjust_ChangeValue(int index) {
     const std::optional<std::int32_t> dac = adjust_->edited(index);
     if (isBusy() || !dac) // a commit caused by the window's own disabling, or no edit
         return;
-    command([index, dac] { handles().service->SetPiezoAdjust(static_cast<std::int16_t>(index), *dac); },
-            [this, index] { adjust_->refresh(index); });
+    command([this, index, dac] { adjust_->write(index, *dac); }, [this, index] { adjust_->refresh(index); });
 }
 
 // Any field of the calibration writes the whole set in one call.
 void frmFacPiezo::calibration_ChangeValue() {
     const std::optional<PiezoCalCoef> cal = typedCalibration();
-    if (isBusy() || !cal || *cal == calRead_)
+    if (isBusy() || !cal || (calKnown_ && *cal == calRead_))
         return;
-    command([&cal] { handles().service->SetPiezoCalCoef(*cal); }, [this] { refreshCalibration(); });
+    command(
+        [this, &cal] {
+            handles().service->SetPiezoCalCoef(*cal);
+            calKnown_ = false; // until it is read back, whatever the fields hold counts as an edit
+        },
+        [this] { refreshCalibration(); });
 }
 
 void frmFacPiezo::cmdAdvanced_Click() {

@@ -59,6 +59,7 @@ private:
     // passing through) writes nothing. The calibration read also holds the coefficients beyond the rows.
     std::string serialRead_;
     PiezoCalCoef calRead_;
+    bool calKnown_ = false; // calRead_ is what the instrument holds
 };
 
 } // namespace vss

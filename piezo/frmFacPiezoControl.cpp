@@ -126,6 +126,7 @@ frmFacPiezoControl::~frmFacPiezoControl() = default;
 
 void frmFacPiezoControl::refresh() {
     shown_ = handles().service->GetPiezoControlData();
+    shownKnown_ = true;
     fields_->show(shown_);
 }
 
@@ -133,9 +134,14 @@ void frmFacPiezoControl::refresh() {
 // read (the keyboard passing through) writes nothing.
 void frmFacPiezoControl::field_ChangeValue() {
     const PiezoControlData edited = fields_->edited(shown_);
-    if (isBusy() || edited == shown_) // also the commit of a field that the window's own disabling left
+    if (isBusy() || (shownKnown_ && edited == shown_)) // also the commit that the window's disabling causes
         return;
-    command([&edited] { handles().service->SetPiezoControlData(edited); }, [this] { refresh(); });
+    command(
+        [this, &edited] {
+            handles().service->SetPiezoControlData(edited);
+            shownKnown_ = false; // until it is read back, whatever the fields hold counts as an edit
+        },
+        [this] { refresh(); });
 }
 
 void frmFacPiezoControl::cmdCancel_Click() {

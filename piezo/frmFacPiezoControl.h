@@ -58,6 +58,7 @@ private:
     std::unique_ptr<ControlDataFields> fields_;
     PiezoControlData restore_; // as the instrument held it when the window opened
     PiezoControlData shown_;   // as last read
+    bool shownKnown_ = false;  // shown_ is what the instrument holds
 };
 
 } // namespace vss

@@ -54,6 +54,11 @@ std::optional<std::int32_t> AdjustRows::edited(int index) const {
     return value.int32();
 }
 
+void AdjustRows::write(int index, std::int32_t dac) {
+    handles().service->SetPiezoAdjust(static_cast<std::int16_t>(index), dac);
+    read_[static_cast<std::size_t>(index)].reset();
+}
+
 int AdjustRows::bottomTwips(int rows, int top) {
     return top + (rows - 1) * kRowPitch + kRowHeight;
 }
@@ -112,8 +117,7 @@ void frmPiezoAdjust::usrAdjust_ChangeValue(int index) {
     const std::optional<std::int32_t> dac = adjust_->edited(index);
     if (isBusy() || !dac) // a commit caused by the window's own disabling, or no edit
         return;
-    command([index, dac] { handles().service->SetPiezoAdjust(static_cast<std::int16_t>(index), *dac); },
-            [this, index] { adjust_->refresh(index); });
+    command([this, index, dac] { adjust_->write(index, *dac); }, [this, index] { adjust_->refresh(index); });
 }
 
 void frmPiezoAdjust::cmdImport_Click() {

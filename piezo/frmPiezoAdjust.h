@@ -33,6 +33,8 @@ public:
     void refresh(int index);
     // The value committed in a row, when it is a number other than the one last read.
     std::optional<std::int32_t> edited(int index) const;
+    // Writes a point. Until it is read back, whatever the row then holds counts as an edit.
+    void write(int index, std::int32_t dac);
 
     int inUse() const { return inUse_; }
     const std::vector<userProperty*>& rows() const { return rows_; }
@@ -41,7 +43,7 @@ public:
 
 private:
     std::vector<userProperty*> rows_;
-    std::vector<std::int32_t> read_;
+    std::vector<std::optional<std::int32_t>> read_; // empty: not read since the last write
     int inUse_ = 0;
 };
 

@@ -24,6 +24,7 @@ QTableWidget* newGrid(QWidget* frame, const char* name, const QString& accessibl
     grid->setAccessibleName(accessibleName);
     grid->setEditTriggers(QAbstractItemView::NoEditTriggers);
     grid->setTabKeyNavigation(false); // Tab leaves the grid; the arrows walk its cells
+    grid->setCornerButtonEnabled(false); // nothing to select in a report
     grid->verticalHeader()->setDefaultSectionSize(twipsToPixels(kGridRowHeight));
     return grid;
 }

@@ -100,6 +100,8 @@ TEST(Accessibility, TheSpeedArrowsAreNamed) {
 // The buttons that Tab reaches, going once round the window.
 std::set<std::string> tabStops(QWidget& window) {
     std::set<std::string> stops;
+    QApplication::setActiveWindow(&window);
+    EXPECT_TRUE(QTest::qWaitForWindowActive(&window));
     QWidget* first = nullptr;
     for (int i = 0; i < 50; ++i) {
         QTest::keyClick(QApplication::focusWidget() ? QApplication::focusWidget() : &window, Qt::Key_Tab);
