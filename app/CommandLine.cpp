@@ -30,16 +30,24 @@ std::variant<CommandLine, int> parseCommandLine(const QStringList& arguments) {
     const QCommandLineOption simState(QStringLiteral("sim-state"),
                                       QStringLiteral("The simulated instrument's non-volatile memory file."),
                                       QStringLiteral("FILE"));
+    const QCommandLineOption powerCycle(
+        QStringLiteral("power-cycle"),
+        QStringLiteral("Start the simulated instrument as after switching it off and on: its working values "
+                       "from its non-volatile memory."));
     const QCommandLineOption simDelays(QStringLiteral("sim-delays"),
                                        QStringLiteral("Give the simulated instrument realistic timing."));
     const QCommandLineOption trace(QStringLiteral("trace"),
                                    QStringLiteral("Write every driver call to FILE, one line each."),
                                    QStringLiteral("FILE"));
+    const QCommandLineOption catalogue(
+        QStringLiteral("catalogue"),
+        QStringLiteral("Read the spinstand catalogue from FILE instead of VssTool.ini beside the program."),
+        QStringLiteral("FILE"));
     const QCommandLineOption screenshots(
         QStringLiteral("screenshots"),
         QStringLiteral("Render every window on the simulated instrument to a PNG file in DIR, then exit."),
         QStringLiteral("DIR"));
-    parser.addOptions({simulate, simState, simDelays, trace, screenshots});
+    parser.addOptions({simulate, simState, powerCycle, simDelays, trace, catalogue, screenshots});
 
     const QString usage = parser.helpText();
     if (!parser.parse(arguments)) {
@@ -66,6 +74,8 @@ std::variant<CommandLine, int> parseCommandLine(const QStringList& arguments) {
     line.driver.forceSimulator = parser.isSet(simulate);
     line.driver.simStatePath = parser.value(simState).toStdString();
     line.driver.simDelays = parser.isSet(simDelays);
+    line.driver.simPowerCycle = parser.isSet(powerCycle);
+    line.catalogueFile = parser.value(catalogue);
     line.screenshotDir = parser.value(screenshots);
     if (parser.isSet(trace)) {
         try {

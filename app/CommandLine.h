@@ -1,6 +1,7 @@
 #pragma once
 
-// The program's command line: the simulator, its state file and timing, the call trace, the screenshot mode.
+// The program's command line: the simulator, its state file and timing, the call trace, the spinstand
+// catalogue, the screenshot mode.
 
 #include "driver/Factory.h"
 
@@ -12,6 +13,7 @@ namespace vss {
 
 struct CommandLine {
     DriverOptions driver;
+    QString catalogueFile; // empty: "VssTool.ini" in the program's folder
     QString screenshotDir; // empty: run the program normally
 };
 

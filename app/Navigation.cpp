@@ -1,7 +1,11 @@
 #include "app/Navigation.h"
 
+#include "customer/CustomerWindows.h"
+#include "factory/FactoryWindows.h"
 #include "kit/frmVersion.h"
 #include "operation/OperationWindows.h"
+#include "piezo/PiezoWindows.h"
+#include "service/ServiceWindows.h"
 
 namespace vss {
 
@@ -9,6 +13,10 @@ namespace vss {
 void registerWindows(MenuWindows& windows) {
     windows.version = [](QWidget* parent) { return std::make_unique<frmVersion>(parent, true); };
     registerOperationWindows(windows);
+    registerCustomerWindows(windows);
+    registerFactoryWindows(windows);
+    registerPiezoWindows(windows);
+    registerServiceWindows(windows);
 }
 
 } // namespace vss

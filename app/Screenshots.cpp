@@ -12,7 +12,11 @@
 #include "controls/Gallery.h"
 #include "driver/Handles.h"
 #include "driver/sim/SimInstrument.h"
+#include "customer/CustomerWindows.h"
+#include "factory/FactoryWindows.h"
 #include "operation/OperationWindows.h"
+#include "piezo/PiezoWindows.h"
+#include "service/ServiceWindows.h"
 
 #include <QApplication>
 #include <QDir>
@@ -66,8 +70,11 @@ std::vector<Scene> scenes() {
         {QStringLiteral("frmVersion-factory"), versionWindow(true)},
         {QStringLiteral("controls"), [] { return std::unique_ptr<QWidget>(createControlsGallery(nullptr)); }},
     };
-    for (auto& [name, make] : operationScreenshots())
-        list.push_back({name, [make = std::move(make)] { return make(nullptr); }});
+    for (ScreenshotScenes (*library)() :
+         {operationScreenshots, customerScreenshots, factoryScreenshots, piezoScreenshots, serviceScreenshots}) {
+        for (auto& [name, make] : library())
+            list.push_back({name, [make = std::move(make)] { return make(nullptr); }});
+    }
     return list;
 }
 

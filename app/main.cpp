@@ -15,16 +15,32 @@
 #include <clocale>
 #include <variant>
 
-int main(int argc, char* argv[]) {
-    QApplication app(argc, argv);
-    std::setlocale(LC_TIME, ""); // the setting files' date and time in the system's forms, on every platform
-    QApplication::setApplicationName(QStringLiteral("vsstool"));
-    QApplication::setApplicationVersion(QStringLiteral(VSS_VERSION));
+namespace {
 
-    auto parsed = vss::parseCommandLine(QApplication::arguments());
+void nameApplication() {
+    QCoreApplication::setApplicationName(QStringLiteral("vsstool"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(VSS_VERSION));
+}
+
+// The command line is read before the window system is asked for, so that --help, --version and a wrong
+// option answer on a machine without a display too.
+std::variant<vss::CommandLine, int> readCommandLine(int argc, char* argv[]) {
+    const QCoreApplication console(argc, argv);
+    nameApplication();
+    return vss::parseCommandLine(QCoreApplication::arguments());
+}
+
+} // namespace
+
+int main(int argc, char* argv[]) {
+    auto parsed = readCommandLine(argc, argv);
     if (const int* exitCode = std::get_if<int>(&parsed))
         return *exitCode;
     const vss::CommandLine& line = std::get<vss::CommandLine>(parsed);
+
+    QApplication app(argc, argv);
+    nameApplication();
+    std::setlocale(LC_TIME, ""); // the setting files' date and time in the system's forms, on every platform
 
 #if VSS_HAVE_COM
     // The registered driver, where there is one; the simulator stands in otherwise.
@@ -33,6 +49,10 @@ int main(int argc, char* argv[]) {
     vss::setUpGlobals();
     vss::registerWindows(vss::menuWindows());
     vss::globals().driverOptions = line.driver;
+    vss::globals().catalogueFile =
+        (line.catalogueFile.isEmpty() ? QApplication::applicationDirPath() + QStringLiteral("/VssTool.ini")
+                                      : line.catalogueFile)
+            .toStdString();
     if (!line.screenshotDir.isEmpty())
         return vss::runScreenshots(line.screenshotDir, line.driver);
 

@@ -28,6 +28,7 @@ std::shared_ptr<sim::SimInstrument> processInstrument(const DriverOptions& optio
         sim::SimOptions simOptions;
         simOptions.statePath = options.simStatePath;
         simOptions.delays = options.simDelays;
+        simOptions.powerCycle = options.simPowerCycle;
         instrument = std::make_shared<sim::SimInstrument>(simOptions);
     }
     return instrument;

@@ -7,6 +7,7 @@
 #include "controls/userText.h"
 
 #include <QApplication>
+#include <QComboBox>
 #include <QGroupBox>
 #include <QKeyEvent>
 #include <QLabel>
@@ -91,6 +92,19 @@ QString rowCaption(const QWidget* control) {
     return frame ? frame->title() : QString();
 }
 
+// A list changes by a click or a key only: a wheel turned over a closed list would send its entries to the
+// instrument one after another as the pointer passes.
+class WheelGuard : public QObject {
+public:
+    bool eventFilter(QObject*, QEvent* event) override { return event->type() == QEvent::Wheel; }
+};
+
+void guardLists(QWidget& window) {
+    static WheelGuard guard;
+    for (QComboBox* list : window.findChildren<QComboBox*>())
+        list->installEventFilter(&guard);
+}
+
 } // namespace
 
 QString appTitle() {
@@ -126,6 +140,7 @@ void Form::nameControls() {
 
 void Form::showEvent(QShowEvent* event) {
     nameControls();
+    guardLists(*this);
     QDialog::showEvent(event);
 }
 

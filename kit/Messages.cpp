@@ -22,6 +22,7 @@ void showMessageBox(const std::string& text, const std::string& title) {
         parent = QApplication::activeWindow();
     QMessageBox box(QMessageBox::NoIcon, QString::fromStdString(title), QString::fromStdString(text),
                     QMessageBox::Ok, parent);
+    box.setTextFormat(Qt::PlainText); // a text from a file or the instrument is shown as it stands
     box.exec();
 }
 

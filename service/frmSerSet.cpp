@@ -1,0 +1,177 @@
+#include "service/frmSerSet.h"
+
+#include "kit/FormBuild.h"
+#include "kit/Messages.h"
+#include "kit/modGlobal.h"
+#include "storage/modSsDefine.h"
+
+#include <QComboBox>
+#include <QCoreApplication>
+#include <QLabel>
+#include <QRadioButton>
+
+namespace vss {
+
+namespace {
+
+// The catalogue the program was started with; "VssTool.ini" beside the program when none was set.
+std::string catalogueFile() {
+    if (!globals().catalogueFile.empty())
+        return globals().catalogueFile;
+    return (QCoreApplication::applicationDirPath() + QLatin1Char('/') +
+            QString::fromUtf8(kCatalogueFileName.data(), static_cast<qsizetype>(kCatalogueFileName.size())))
+        .toStdString();
+}
+
+} // namespace
+
+frmSerSet::frmSerSet(QWidget* parent) : CommandForm(parent) {
+    setWindowTitle(appTitle() + QStringLiteral(" (Service use only)"));
+    setClientSizeTwips(5880, 4740);
+
+    QLabel* lblSpinstand =
+        newLabel(this, "lblSpinstand", QStringLiteral("Spinstand Model"), 120, 165, 1620, 255);
+    cmbSpinstand_ = put(new QComboBox(this), "cmbSpinstand", 1800, 120, 3960, 315);
+    lblSpinstand->setBuddy(cmbSpinstand_);
+    usrSerialNumber_ = newProperty(this, "usrSerialNumber", 120, 600, 5640, 315, {});
+    usrHardwareRevision_ = newProperty(this, "usrHardwareRevision", 120, 1020, 5640, 315, {});
+
+    QGroupBox* frmSetting =
+        newFrame(this, "frmSetting", QStringLiteral("Setting Status"), 120, 1440, 5640, 615);
+    optService_ =
+        put(new QRadioButton(QStringLiteral("Service"), frmSetting), "optSetting_1", 240, 270, 1215, 255);
+    optNormal_ =
+        put(new QRadioButton(QStringLiteral("Normal"), frmSetting), "optSetting_0", 2880, 270, 1215, 255);
+
+    QPushButton* cmdSpinstand =
+        newButton(this, "cmdSpinstand", QStringLiteral("View Spinstand Parameters"), 120, 2220, 2760, 375);
+    QPushButton* cmdSpindle =
+        newButton(this, "cmdSpindle", QStringLiteral("View Spindle Parameters"), 3000, 2220, 2760, 375);
+    QPushButton* cmdStage =
+        newButton(this, "cmdStage", QStringLiteral("View Stage Parameters"), 120, 2700, 2760, 375);
+    QPushButton* cmdCustomize =
+        newButton(this, "cmdCustomize", QStringLiteral("View Measurement Position"), 3000, 2700, 2760, 375);
+    QPushButton* cmdBacklashComp =
+        newButton(this, "cmdBacklashComp", QStringLiteral("Backlash Compensation"), 120, 3180, 2760, 375);
+    QPushButton* cmdSave =
+        newButton(this, "cmdSave", QStringLiteral("Save Setting to EEPROM"), 120, 3780, 2760, 375);
+    QPushButton* cmdRecall =
+        newButton(this, "cmdRecall", QStringLiteral("Recall Setting from EEPROM"), 3000, 3780, 2760, 375);
+    QPushButton* cmdReturn = newButton(this, "cmdReturn", QStringLiteral("Return"), 4545, 4260, 1215, 375);
+
+    connect(cmbSpinstand_, &QComboBox::activated, this, &frmSerSet::cmbSpinstand_Click);
+    connect(usrSerialNumber_, &userProperty::ChangeValue, this, &frmSerSet::usrSerialNumber_ChangeValue);
+    connect(optService_, &QRadioButton::clicked, this, [this] { optSetting_Click(true); });
+    connect(optNormal_, &QRadioButton::clicked, this, [this] { optSetting_Click(false); });
+    connect(cmdSpinstand, &QPushButton::clicked, this, [this] { view(menuWindows().spinstandSettings); });
+    connect(cmdSpindle, &QPushButton::clicked, this, [this] { view(menuWindows().spindleProperty); });
+    connect(cmdStage, &QPushButton::clicked, this, [this] { view(menuWindows().stageProperty); });
+    connect(cmdCustomize, &QPushButton::clicked, this, [this] { view(menuWindows().measurementPositions); });
+    connect(cmdBacklashComp, &QPushButton::clicked, this, &frmSerSet::cmdBacklashComp_Click);
+    connect(cmdSave, &QPushButton::clicked, this, &frmSerSet::cmdSave_Click);
+    connect(cmdRecall, &QPushButton::clicked, this, &frmSerSet::cmdRecall_Click);
+    connect(cmdReturn, &QPushButton::clicked, this, &Form::accept);
+
+    Form_Load();
+}
+
+// The catalogue is read again at every opening, so that an edited file counts without a restart. A catalogue
+// that cannot be used has said why and leaves only "Recalled".
+void frmSerSet::Form_Load() {
+    ReadSpinstandDefinitions(catalogueFile(), messageSink());
+    usrHardwareRevision_->setCaption(QStringLiteral("Hardware Rev"));
+    usrSerialNumber_->setCaption(QStringLiteral("Serial Number"));
+    usrHardwareRevision_->setLocked(true);
+    cmbSpinstand_->clear();
+    for (std::int16_t i = 0;; ++i) {
+        const std::string name = GetSpinstandName(i);
+        if (name.empty())
+            break;
+        cmbSpinstand_->addItem(QString::fromStdString(name));
+    }
+    cmbSpinstand_->addItem(QStringLiteral("Recalled"));
+    selectRecalled();
+    trapErrors([this] { refresh(); });
+}
+
+void frmSerSet::refresh() {
+    IDriverService& service = *handles().service;
+    showValue(usrHardwareRevision_, Variant(service.GetHardwareRevision()));
+    serialNumber_ = service.GetSerialNumber();
+    showValue(usrSerialNumber_, Variant(serialNumber_));
+    const bool unknown = service.GetSettingUnknown();
+    optService_->setChecked(unknown);
+    optNormal_->setChecked(!unknown);
+}
+
+void frmSerSet::selectRecalled() {
+    cmbSpinstand_->setCurrentIndex(cmbSpinstand_->count() - 1);
+}
+
+// "Recalled" is what the instrument already holds: choosing it sends nothing.
+void frmSerSet::cmbSpinstand_Click(int index) {
+    if (index < 0 || index == cmbSpinstand_->count() - 1)
+        return;
+    command(
+        [index] {
+            ApplySpinstandDefinition(static_cast<std::int16_t>(index), *handles().service, messageSink());
+        },
+        [this] { refresh(); });
+}
+
+void frmSerSet::usrSerialNumber_ChangeValue() {
+    const Variant value = usrSerialNumber_->Value();
+    if (value.type() != Variant::Type::Text || value.text() == serialNumber_)
+        return; // the field commits on every Enter and focus loss; only a new serial number is sent
+    const std::string serial = value.text();
+    if (command([&serial] { handles().service->SetSerialNumber(serial); }))
+        serialNumber_ = serial;
+}
+
+void frmSerSet::optSetting_Click(bool service) {
+    command([service] { handles().service->SetSettingUnknown(service); });
+}
+
+void frmSerSet::cmdSave_Click() {
+    command([] {
+        IDriverService& s = *handles().service;
+        s.SaveVersionData();
+        s.SaveSpinstandConfiguration();
+        s.SaveSpindleProperty();
+        s.SaveStageProperty();
+        s.SaveCustomerConfiguration();
+    });
+}
+
+void frmSerSet::cmdRecall_Click() {
+    command(
+        [] {
+            IDriverService& s = *handles().service;
+            s.RecallVersionData();
+            s.RecallSpinstandConfiguration();
+            s.RecallSpindleProperty();
+            s.RecallStageProperty();
+            s.RecallCustomerConfiguration();
+        },
+        [this] {
+            selectRecalled();
+            refresh();
+        });
+}
+
+void frmSerSet::view(const ViewFactory& page) {
+    openModal(withViewOnly(page, true));
+}
+
+// The backlash page is opened editable, and this window stays as it is while it is up.
+void frmSerSet::cmdBacklashComp_Click() {
+    const FormFactory make = withViewOnly(menuWindows().backlashCompensation, false);
+    if (!make)
+        return;
+    trapErrors([&] {
+        const std::unique_ptr<Form> page = make(this);
+        execModal(*page);
+    });
+}
+
+} // namespace vss

@@ -2,8 +2,12 @@
 
 #include "storage/NumberText.h"
 
+#include <algorithm>
 #include <array>
+#include <cstdint>
 #include <exception>
+#include <type_traits>
+#include <vector>
 
 namespace vss {
 
@@ -34,14 +38,122 @@ constexpr std::string_view kRule = "--------------------------------";
 
 constexpr std::uint32_t group(int code) { return 1u << code; }
 
-// A loop driven by a count read from the file stops once the reader has gone past the end of the file or a
-// read in it has raised a message: beyond that point every read would only meet the same field again.
-template <class ReadOne>
-void readCounted(fileio& io, int count, ReadOne readOne) {
-    const auto messagesBefore = io.messageCount();
-    for (int i = 0; i < count && !io.pastEnd() && io.messageCount() == messagesBefore; ++i)
-        readOne();
+std::string place(const FieldPosition& where) {
+    return where.fileName + ", line " + std::to_string(where.line) + ", field " + std::to_string(where.field);
 }
+
+// Reads one section's fields with the checks that keep a malformed file from setting a wrong value. The tool
+// writes every section whole, each row on a line of its own, so no file it wrote ever meets these checks;
+// they depart from the plain field-by-field reading only for files damaged or edited by hand:
+// - a field that does not convert stops its section, so that no later value lands on its neighbour's place
+//   (the plain reading meets the same field again with every later read);
+// - a section that meets the end of the file, or a row that meets the end of its line, before the count
+//   stops there, instead of repeating the last value or taking the next row's;
+// - a section name met where a value belongs ends the section and is left for the file reader to find.
+// What was applied before the stop stays applied; nothing after it is.
+class SectionReader {
+public:
+    explicit SectionReader(SectionInput& in) : in_(in) {}
+
+    // What the following reads are for, as the messages name it ("entry 3 of 5").
+    void item(std::string_view kind, std::size_t number, std::size_t count) {
+        item_ = std::string(kind) + " " + std::to_string(number) + " of " + std::to_string(count);
+    }
+    // The fields read from here to the next startRow must lie on the line of the first of them.
+    void startRow() {
+        inRow_ = true;
+        rowLine_ = 0;
+    }
+
+    std::string label() { return take([this] { return in_.io.readStr(); }, false); }
+    std::string word() { return take([this] { return in_.io.readStr(); }, true); }
+    // Any text, a section name included.
+    std::string text() { return take([this] { return in_.io.readStr(); }, true, false); }
+    double dbl() { return take([this] { return in_.io.readDbl(); }, true); }
+    std::int32_t lng() { return take([this] { return in_.io.readLng(); }, true); }
+    std::int16_t int16() { return take([this] { return in_.io.readInt(); }, true); }
+    bool flg() { return take([this] { return in_.io.readFlg(); }, true); }
+    Variant variant() {
+        const std::string tag = label();
+        if (tag == "(Integer)")
+            return Variant(int16());
+        if (tag == "(Long)")
+            return Variant(lng());
+        if (tag == "(Double)")
+            return Variant(dbl());
+        if (tag == "(Boolean)")
+            return Variant(flg());
+        stop("no value of a known type (\"" + printable(tag, fileio::kQuotedLength) + "\") for " + item_,
+             tagAt_);
+    }
+
+    // Sends values read to the instrument; a refusal names the first of them. `values` is how many of the
+    // values read and not yet sent this call sends.
+    template <class Set> void apply(std::size_t values, Set set) {
+        const FieldPosition where = unsent_.empty() ? in_.io.tokenPosition() : unsent_.front();
+        unsent_.erase(unsent_.begin(),
+                      unsent_.begin() + static_cast<std::ptrdiff_t>(std::min(values, unsent_.size())));
+        try {
+            set();
+        } catch (const DriverError& e) {
+            throw DriverError(refusal(e.description(), where), e.code());
+        }
+    }
+    // The same for a step whose failure is reported and skipped.
+    template <class Set> void applyOrReport(std::size_t values, Set set) {
+        try {
+            apply(values, set);
+        } catch (const std::exception& e) {
+            report(in_.sink, e.what(), kErrorTitle, FieldPosition{});
+        }
+    }
+
+    [[noreturn]] void stop(const std::string& what, const FieldPosition& where) {
+        throw SectionStops{std::string(in_.section) + ": " + what + " (" + place(where) +
+                           "); the section stops there and nothing after it is applied."};
+    }
+
+private:
+    template <class Read> std::invoke_result_t<Read> take(Read read, bool isValue, bool sectionEnds = true) {
+        fileio& io = in_.io;
+        const FieldPosition where = io.tokenPosition();
+        if (io.pastEnd() || io.failed())
+            throw SectionStops{std::string(in_.section) + ": file ends before " + item_ + " (" +
+                               where.fileName + ", after line " + std::to_string(where.line) +
+                               "); the section stops there and nothing after it is applied."};
+        if (sectionEnds && findSection(numbertext::trimBlanks(io.token())) != nullptr)
+            stop("section ends before " + item_, where);
+        if (inRow_ && rowLine_ == 0)
+            rowLine_ = where.line;
+        else if (inRow_ && where.line != rowLine_)
+            stop("row ends before " + item_, where);
+        const auto messagesBefore = io.messageCount();
+        try {
+            auto value = read();
+            if (io.messageCount() != messagesBefore)
+                stop("cannot read " + item_, where);
+            if (isValue)
+                unsent_.push_back(where);
+            else
+                tagAt_ = where;
+            return value;
+        } catch (const NumberOutOfRange& e) {
+            report(in_.sink, e.what(), kErrorTitle, FieldPosition{}); // the text names the place
+            stop("cannot read " + item_, where);
+        }
+    }
+
+    std::string refusal(const std::string& description, const FieldPosition& where) const {
+        return description + " (" + std::string(in_.section) + " value at " + place(where) + ")";
+    }
+
+    SectionInput& in_;
+    std::string item_ = "the section's next value";
+    bool inRow_ = false;
+    std::int64_t rowLine_ = 0;
+    FieldPosition tagAt_;
+    std::vector<FieldPosition> unsent_;
+};
 
 void writeDoubles(fileio& io, const std::vector<double>& values) {
     for (double v : values)
@@ -56,7 +168,11 @@ void writeSpindleSpeed(fileio& io, const DriverHandles& h) {
     io.writeLng(driverOf(h).GetSpindleSpeed());
     io.writeCrLf();
 }
-void readSpindleSpeed(SectionInput& in) { in.target.SetSpindleSpeed(in.io.readLng()); }
+void readSpindleSpeed(SectionInput& in) {
+    SectionReader r(in);
+    const std::int32_t rpm = r.lng();
+    r.apply(1, [&] { in.target.SetSpindleSpeed(rpm); });
+}
 
 void writeHomeState(fileio& io, const DriverHandles& h) {
     switch (driverOf(h).GetHomeState()) {
@@ -76,7 +192,8 @@ void writeHomeState(fileio& io, const DriverHandles& h) {
     io.writeCrLf();
 }
 void readHomeState(SectionInput& in) {
-    const std::string word = in.io.readStr();
+    SectionReader r(in);
+    const std::string word = r.word();
     std::int32_t code = 0;
     if (word == "HOMESTATE_RUN")
         code = homestate::Run;
@@ -84,14 +201,18 @@ void readHomeState(SectionInput& in) {
         code = homestate::Standby;
     else if (word == "HOMESTATE_STOP")
         code = homestate::Stop;
-    in.target.SetHomeState(code);
+    r.apply(1, [&] { in.target.SetHomeState(code); });
 }
 
 void writeLoadMethod(fileio& io, const DriverHandles& h) {
     io.writeInt(driverOf(h).GetLoadMethod());
     io.writeCrLf();
 }
-void readLoadMethod(SectionInput& in) { in.target.SetLoadMethod(in.io.readInt()); }
+void readLoadMethod(SectionInput& in) {
+    SectionReader r(in);
+    const std::int16_t method = r.int16();
+    r.apply(1, [&] { in.target.SetLoadMethod(method); });
+}
 
 void writeLoadPosition(fileio& io, const DriverHandles& h) {
     io.printComment("n,; Radius,; Skew,; RPM");
@@ -105,15 +226,18 @@ void writeLoadPosition(fileio& io, const DriverHandles& h) {
     }
 }
 void readLoadPosition(SectionInput& in) {
-    LoadPosition rows[2];
-    for (LoadPosition& row : rows) {
-        in.io.readStr();
-        row.position.radius = in.io.readDbl();
-        row.position.skew = in.io.readDbl();
-        row.rpm = in.io.readLng();
+    SectionReader r(in);
+    std::size_t number = 0;
+    for (std::int16_t which : {loadposition::Load, loadposition::Unload}) {
+        r.item("row", ++number, 2);
+        r.startRow();
+        LoadPosition row;
+        r.label();
+        row.position.radius = r.dbl();
+        row.position.skew = r.dbl();
+        row.rpm = r.lng();
+        r.apply(3, [&] { in.target.SetLoadPosition(which, row.position, row.rpm); });
     }
-    in.target.SetLoadPosition(loadposition::Load, rows[0].position, rows[0].rpm);
-    in.target.SetLoadPosition(loadposition::Unload, rows[1].position, rows[1].rpm);
 }
 
 void writeDataArea(fileio& io, const DriverHandles& h) {
@@ -125,17 +249,22 @@ void writeDataArea(fileio& io, const DriverHandles& h) {
     io.writeCrLf();
 }
 void readDataArea(SectionInput& in) {
-    const double innerRadius = in.io.readDbl();
-    const std::int32_t maxTrack = in.io.readLng();
-    const double pitch = in.io.readDbl();
-    in.target.SetDataArea(innerRadius, maxTrack, pitch);
+    SectionReader r(in);
+    const double innerRadius = r.dbl();
+    const std::int32_t maxTrack = r.lng();
+    const double pitch = r.dbl();
+    r.apply(3, [&] { in.target.SetDataArea(innerRadius, maxTrack, pitch); });
 }
 
 void writeDiskSizeRestriction(fileio& io, const DriverHandles& h) {
     io.writeStr(diskSizeOf(h).GetDiskSizeRestriction() ? "True" : "False");
     io.writeCrLf();
 }
-void readDiskSizeRestriction(SectionInput& in) { in.target.SetDiskSizeRestriction(in.io.readStr() == "True"); }
+void readDiskSizeRestriction(SectionInput& in) {
+    SectionReader r(in);
+    const bool on = r.word() == "True";
+    r.apply(1, [&] { in.target.SetDiskSizeRestriction(on); });
+}
 
 // ---- customer groups
 
@@ -153,10 +282,11 @@ void writeStopperPosition(fileio& io, const DriverHandles& h) {
     }
 }
 void readStopperPosition(SectionInput& in) {
-    const double outer = in.io.readDbl();
-    const double inner = in.io.readDbl();
-    in.target.SetStopperPosition(stopper::Outer, outer);
-    in.target.SetStopperPosition(stopper::Inner, inner);
+    SectionReader r(in);
+    const double outer = r.dbl();
+    const double inner = r.dbl();
+    r.apply(1, [&] { in.target.SetStopperPosition(stopper::Outer, outer); });
+    r.apply(1, [&] { in.target.SetStopperPosition(stopper::Inner, inner); });
 }
 
 void writeStageConfiguration(fileio& io, const DriverHandles& h) {
@@ -166,11 +296,12 @@ void writeStageConfiguration(fileio& io, const DriverHandles& h) {
     io.writeCrLf();
 }
 void readStageConfiguration(SectionInput& in) {
+    SectionReader r(in);
     double values[3];
     for (double& v : values)
-        v = in.io.readDbl();
+        v = r.dbl();
     for (std::int16_t index : {geometry::Stage2Spindle, geometry::Stage2Ref, geometry::StageOffset})
-        in.target.SetStageGeometry(index, values[index]);
+        r.apply(1, [&] { in.target.SetStageGeometry(index, values[index]); });
 }
 
 // Information only: every line is a comment, so no import ever sees these values.
@@ -191,19 +322,31 @@ void writeSettingUnknown(fileio& io, const DriverHandles& h) {
     io.writeFlg(serviceOf(h).GetSettingUnknown());
     io.writeCrLf();
 }
-void readSettingUnknown(SectionInput& in) { in.target.SetSettingUnknown(in.io.readFlg()); }
+void readSettingUnknown(SectionInput& in) {
+    SectionReader r(in);
+    const bool unknown = r.flg();
+    r.apply(1, [&] { in.target.SetSettingUnknown(unknown); });
+}
 
 void writeSpinstandType(fileio& io, const DriverHandles& h) {
     io.writeInt(serviceOf(h).GetSpinstandType());
     io.writeCrLf();
 }
-void readSpinstandType(SectionInput& in) { in.target.SetSpinstandType(in.io.readInt()); }
+void readSpinstandType(SectionInput& in) {
+    SectionReader r(in);
+    const std::int16_t type = r.int16();
+    r.apply(1, [&] { in.target.SetSpinstandType(type); });
+}
 
 void writeHeadFace(fileio& io, const DriverHandles& h) {
     io.writeStr(serviceOf(h).GetHeadFace() != 0 ? "SSHEADFACE_DOWNFACE" : "SSHEADFACE_UPFACE");
     io.writeCrLf();
 }
-void readHeadFace(SectionInput& in) { in.target.SetHeadFace(in.io.readStr() == "SSHEADFACE_DOWNFACE" ? 1 : 0); }
+void readHeadFace(SectionInput& in) {
+    SectionReader r(in);
+    const std::int32_t face = r.word() == "SSHEADFACE_DOWNFACE" ? 1 : 0;
+    r.apply(1, [&] { in.target.SetHeadFace(face); });
+}
 
 void writeDiskSize(fileio& io, const DriverHandles& h) {
     const DoubleRange range = serviceOf(h).GetDiskSizeRange();
@@ -212,9 +355,10 @@ void writeDiskSize(fileio& io, const DriverHandles& h) {
     io.writeCrLf();
 }
 void readDiskSize(SectionInput& in) {
-    const double min = in.io.readDbl();
-    const double max = in.io.readDbl();
-    in.target.SetDiskSizeRange(min, max);
+    SectionReader r(in);
+    const double min = r.dbl();
+    const double max = r.dbl();
+    r.apply(2, [&] { in.target.SetDiskSizeRange(min, max); });
 }
 
 // ---- spindle and stage properties
@@ -226,9 +370,10 @@ void writeSpeedRange(fileio& io, const DriverHandles& h) {
     io.writeCrLf();
 }
 void readSpeedRange(SectionInput& in) {
-    const std::int32_t min = in.io.readLng();
-    const std::int32_t max = in.io.readLng();
-    in.target.SetSpeedRange(min, max);
+    SectionReader r(in);
+    const std::int32_t min = r.lng();
+    const std::int32_t max = r.lng();
+    r.apply(2, [&] { in.target.SetSpeedRange(min, max); });
 }
 
 PropertyList propertyList(const DriverHandles& h, PropertyKind kind) {
@@ -248,30 +393,26 @@ void writeProperties(fileio& io, const DriverHandles& h, PropertyKind kind) {
     }
 }
 
-// Rows are matched to the driver's properties by position; a differing name only raises a warning. Every
-// failing step is skipped and the next one runs.
+// Rows are matched to the driver's properties by position; a differing name only raises a warning. A value
+// the instrument refuses is reported and the next row is read. A row that cannot be read stops the section,
+// so that no later value lands on the wrong property.
 void readProperties(SectionInput& in, PropertyKind kind) {
     PropertyList list;
     try {
         list = propertyList(in.handles, kind);
     } catch (const std::exception&) {
     }
+    SectionReader r(in);
     for (std::size_t i = 0; i < list.ids.size(); ++i) {
+        r.item("property", i + 1, list.ids.size());
+        r.startRow();
         const FieldPosition where = in.io.tokenPosition();
-        std::string name;
-        Variant value;
-        try {
-            name = in.io.readStr();
-            value = in.io.readVariant();
-        } catch (const std::exception&) {
-        }
+        const std::string name = r.label();
+        const Variant value = r.variant();
         const std::string driverName = nameAt(list, i);
         if (name != driverName)
             report(in.sink, "Property Name does not match", kErrorTitle, where);
-        try {
-            in.target.SetProperty(kind, list.ids[i], driverName, value);
-        } catch (const std::exception&) {
-        }
+        r.applyOrReport(1, [&] { in.target.SetProperty(kind, list.ids[i], driverName, value); });
     }
 }
 
@@ -292,7 +433,11 @@ void writePiezoSerial(fileio& io, const DriverHandles& h) {
     io.writeStr(serviceOf(h).GetPiezoSerial());
     io.writeCrLf();
 }
-void readPiezoSerial(SectionInput& in) { in.target.SetPiezoSerial(in.io.readStr()); }
+void readPiezoSerial(SectionInput& in) {
+    SectionReader r(in);
+    const std::string serial = r.text();
+    r.apply(1, [&] { in.target.SetPiezoSerial(serial); });
+}
 
 void writePiezoCalCoef(fileio& io, const DriverHandles& h) {
     const PiezoCalCoef c = serviceOf(h).GetPiezoCalCoef();
@@ -310,19 +455,24 @@ void writePiezoCalCoef(fileio& io, const DriverHandles& h) {
     io.writeCrLf();
 }
 void readPiezoCalCoef(SectionInput& in) {
-    fileio& io = in.io;
+    SectionReader r(in);
     PiezoCalCoef c;
-    io.readStr();
-    c.vmin = io.readDbl();
-    c.vmax = io.readDbl();
-    io.readStr();
-    c.xmin = io.readDbl();
-    c.xmax = io.readDbl();
-    io.readStr();
-    const int count = io.readInt();
-    io.readStr();
-    readCounted(io, count, [&] { c.coef.push_back(io.readDbl()); });
-    in.target.SetPiezoCalCoef(c);
+    for (auto [min, max] : {std::pair{&c.vmin, &c.vmax}, std::pair{&c.xmin, &c.xmax}}) {
+        r.startRow();
+        r.label();
+        *min = r.dbl();
+        *max = r.dbl();
+    }
+    r.startRow();
+    r.label();
+    const int count = r.int16();
+    r.startRow();
+    r.label();
+    for (int i = 0; i < count; ++i) {
+        r.item("coefficient", static_cast<std::size_t>(i) + 1, static_cast<std::size_t>(count));
+        c.coef.push_back(r.dbl());
+    }
+    r.apply(SIZE_MAX, [&] { in.target.SetPiezoCalCoef(c); });
 }
 
 void writePiezoAdjust(fileio& io, const DriverHandles& h) {
@@ -336,11 +486,17 @@ void writePiezoAdjust(fileio& io, const DriverHandles& h) {
 // One value per point of the instrument's list, whatever count the file gives.
 void readPiezoAdjust(SectionInput& in) {
     const auto points = serviceOf(in.handles).GetPiezoAdjustList();
-    in.io.readStr();
-    in.io.readInt();
-    in.io.readStr();
-    for (std::size_t i = 0; i < points.size(); ++i)
-        in.target.SetPiezoAdjust(static_cast<std::int16_t>(i), in.io.readLng());
+    SectionReader r(in);
+    r.startRow();
+    r.label();
+    r.int16();
+    r.startRow();
+    r.label();
+    for (std::size_t i = 0; i < points.size(); ++i) {
+        r.item("point", i + 1, points.size());
+        const std::int32_t dac = r.lng();
+        r.apply(1, [&] { in.target.SetPiezoAdjust(static_cast<std::int16_t>(i), dac); });
+    }
 }
 
 void writePiezoControlData(fileio& io, const DriverHandles& h) {
@@ -355,16 +511,19 @@ void writePiezoControlData(fileio& io, const DriverHandles& h) {
     }
 }
 void readPiezoControlData(SectionInput& in) {
-    fileio& io = in.io;
+    SectionReader r(in);
     PiezoControlData d;
-    io.readStr();
-    const int count = io.readInt();
-    readCounted(io, count, [&] {
-        io.readStr();
+    r.startRow();
+    r.label();
+    const int count = r.int16();
+    for (int i = 0; i < count; ++i) {
+        r.item("row", static_cast<std::size_t>(i) + 1, static_cast<std::size_t>(count));
+        r.startRow();
+        r.label();
         for (auto* column : {&d.lth, &d.ta, &d.ks, &d.lstep, &d.tstep})
-            column->push_back(io.readDbl());
-    });
-    in.target.SetPiezoControlData(d);
+            column->push_back(r.dbl());
+    }
+    r.apply(SIZE_MAX, [&] { in.target.SetPiezoControlData(d); });
 }
 
 void writePiezoCalData(fileio& io, const DriverHandles& h) {
@@ -386,8 +545,13 @@ void writeBacklash(fileio& io, const DriverHandles& h) {
 }
 void readBacklash(SectionInput& in) {
     const auto entries = serviceOf(in.handles).GetBacklashCompensationList();
-    for (std::size_t i = 0; i < entries.size(); ++i)
-        in.target.SetBacklashCompensation(static_cast<std::int16_t>(i), in.io.readLng());
+    SectionReader r(in);
+    r.startRow();
+    for (std::size_t i = 0; i < entries.size(); ++i) {
+        r.item("entry", i + 1, entries.size());
+        const std::int32_t value = r.lng();
+        r.apply(1, [&] { in.target.SetBacklashCompensation(static_cast<std::int16_t>(i), value); });
+    }
 }
 
 constexpr std::array<SectionDef, 21> kSections{{

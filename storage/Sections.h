@@ -10,6 +10,7 @@
 
 #include <cstdint>
 #include <span>
+#include <string>
 #include <string_view>
 
 namespace vss {
@@ -19,6 +20,13 @@ struct SectionInput {
     const DriverHandles& handles;
     SettingTarget& target;
     MessageSink& sink;
+    std::string_view section; // the name of the section being read
+};
+
+// A section that cannot be read on: a field that does not convert, a row or the file that ends early. The
+// message says where and why; the file reader reports it and drops the section's remaining fields.
+struct SectionStops {
+    std::string message;
 };
 
 struct SectionDef {

@@ -70,9 +70,13 @@ void fileio::closeFile() {
     if (file_ == nullptr)
         return;
     errno = 0;
+    bool written = true;
+    if (mode_ == Mode::Append && !failed_ && !pending_.empty())
+        written = std::fwrite(pending_.data(), 1, pending_.size(), file_) == pending_.size();
+    pending_.clear();
     const bool flushed = std::fclose(file_) == 0; // a full disk shows here, when the last bytes are written
     file_ = nullptr;
-    if (!flushed && mode_ == Mode::Append && !failed_)
+    if (!(written && flushed) && mode_ == Mode::Append && !failed_)
         writeFailed();
 }
 
@@ -93,9 +97,15 @@ void fileio::setFileName(const std::string& name) {
 
 void fileio::openFile(Mode mode) {
     std::error_code ec;
-    if (std::filesystem::is_directory(pathFromUtf8(fileName_), ec)) {
+    const auto status = std::filesystem::status(pathFromUtf8(fileName_), ec);
+    // Only regular files are read: a named pipe would block the program and a device may never end. A device
+    // may take a report (the null device, a terminal), but nothing that blocks until someone reads it.
+    const bool blocking = std::filesystem::is_fifo(status) || std::filesystem::is_socket(status);
+    const bool special = std::filesystem::exists(status) && !std::filesystem::is_regular_file(status) &&
+                         !std::filesystem::is_directory(status) && (mode == Mode::Read || blocking);
+    if (std::filesystem::is_directory(status)) {
         errno = EISDIR;
-    } else {
+    } else if (!special) {
         errno = 0;
         file_ = fopenUtf8(fileName_, mode == Mode::Read ? "rb" : "ab");
     }
@@ -103,7 +113,8 @@ void fileio::openFile(Mode mode) {
         failed_ = true;
         const int error = errno != 0 ? errno : ENOENT;
         FieldPosition where{fileName_, 0, 0, true};
-        report(sink_, std::strerror(error), "", where);
+        report(sink_, special ? fileName_ + " is not a regular file." : std::string(std::strerror(error)), "",
+               where);
         return;
     }
     mode_ = mode;
@@ -112,6 +123,7 @@ void fileio::openFile(Mode mode) {
         pos_ = len_ = 0;
         line_ = field_ = 1;
         pastEnd_ = false;
+        stopped_ = false;
         nextToken();
     }
 }
@@ -123,17 +135,42 @@ FieldPosition fileio::tokenPosition() const { return FieldPosition{fileName_, to
 bool fileio::fill() {
     if (pos_ < len_)
         return true;
-    if (file_ == nullptr)
+    if (file_ == nullptr || stopped_)
         return false;
     if (tokenInBuffer_) { // the token outlives the buffered bytes it points into
         tokenStore_.assign(token_);
         token_ = tokenStore_;
         tokenInBuffer_ = false;
     }
+    errno = 0;
     len_ = std::fread(buffer_.data(), 1, kReadBufferSize, file_);
     buffer_[len_] = '\n'; // sentinel: ends every scan at the end of the buffered bytes
     pos_ = 0;
+    if (len_ < kReadBufferSize && std::ferror(file_) != 0) {
+        // What was read stays; nothing after it is taken for data, and the user learns that the file was not
+        // read to its end rather than meeting its last field as if it were.
+        const int error = errno != 0 ? errno : EIO;
+        stopReading("The file could not be read beyond line " + std::to_string(line_) + ": " +
+                    std::strerror(error) + ". The rest of it is not read.");
+    }
     return len_ > 0;
+}
+
+// Nothing more is read from the file after the bytes already buffered.
+void fileio::stopReading(std::string_view why) {
+    stopped_ = true;
+    report(sink_, why, kErrorTitle, FieldPosition{fileName_, line_, field_, false});
+}
+
+bool fileio::tooLong(const std::string& field) {
+    if (field.size() <= kMaxFieldLength)
+        return false;
+    stopReading("The field at line " + std::to_string(fieldLine_) + ", field " + std::to_string(fieldIndex_) +
+                " of " + fileName_ + " is longer than " + std::to_string(kMaxFieldLength / (1024 * 1024)) +
+                " MB: the file is read no further.");
+    pos_ = len_;         // and the buffered rest of it is dropped
+    lastQuoted_ = false; // nothing of the field becomes a token
+    return true;
 }
 
 void fileio::consumeSeparator() {
@@ -159,6 +196,10 @@ void fileio::readUnquoted(std::string& out) {
             ++p;
         out.append(begin, p);
         pos_ += static_cast<std::size_t>(p - begin);
+        if (tooLong(out)) {
+            out.clear();
+            return;
+        }
         if (p < end)
             break;
     }
@@ -179,6 +220,10 @@ void fileio::readQuoted(std::string& out) {
                 ++line_;
         out.append(begin, stop);
         pos_ += static_cast<std::size_t>(stop - begin);
+        if (tooLong(out)) {
+            out.clear();
+            return;
+        }
         if (quote != nullptr) {
             ++pos_;
             closed = true;
@@ -195,9 +240,11 @@ void fileio::readField(std::string& out) {
         ++pos_;
     fieldLine_ = line_;
     fieldIndex_ = field_;
+    lastQuoted_ = false;
     if (atEnd())
         return;
-    if (buffer_[pos_] == '"') {
+    lastQuoted_ = buffer_[pos_] == '"';
+    if (lastQuoted_) {
         ++pos_;
         readQuoted(out);
     } else {
@@ -217,7 +264,7 @@ void fileio::nextTokenSlow() {
         if (pos_ == len_)
             continue; // the buffered bytes ended on a field boundary
         readField(scratch_); // a field that runs past the buffered bytes
-        if (!scratch_.empty() && scratch_.front() != ';') {
+        if (lastQuoted_ || (!scratch_.empty() && scratch_.front() != ';')) {
             tokenStore_.swap(scratch_);
             token_ = tokenStore_;
             tokenInBuffer_ = false;
@@ -248,7 +295,8 @@ bool fileio::scanBufferedFields() {
         const char* last = nullptr;
         const char* stop = nullptr; // the separator
         std::int64_t lineEnds = 0;
-        if (*start == '"') {
+        const bool quoted = *start == '"';
+        if (quoted) {
             first = start + 1;
             const char* quote = findFirstOf<'"', '\r', '\n'>(first);
             for (; *quote != '"' && quote != end; quote = findFirstOf<'"', '\r', '\n'>(quote + 1))
@@ -280,7 +328,7 @@ bool fileio::scanBufferedFields() {
             ++line;
             field = 1;
         }
-        if (last > first && *first != ';') {
+        if (quoted || (last > first && *first != ';')) {
             token_ = std::string_view(first, static_cast<std::size_t>(last - first));
             tokenInBuffer_ = true;
             tokenLine_ = fieldLine;
@@ -313,9 +361,9 @@ void fileio::raise(std::string_view text) {
 
 NumberOutOfRange fileio::outOfRange(std::string_view typeName) const {
     const FieldPosition where = tokenPosition();
-    return NumberOutOfRange("Overflow: \"" + std::string(token_) + "\" does not fit " + std::string(typeName) + " (" +
-                                fileName_ + ", line " + std::to_string(where.line) + ", field " +
-                                std::to_string(where.field) + ")",
+    return NumberOutOfRange("Overflow: \"" + printable(token_, kQuotedLength) + "\" does not fit " +
+                                std::string(typeName) + " (" + fileName_ + ", line " +
+                                std::to_string(where.line) + ", field " + std::to_string(where.field) + ")",
                             where);
 }
 
@@ -403,22 +451,56 @@ void fileio::write(std::string_view text) {
         return;
     if (mode_ != Mode::Append)
         throw FileModeError("Bad file mode: " + fileName_ + " is open for reading");
-    errno = 0;
-    if (std::fwrite(text.data(), 1, text.size(), file_) != text.size())
-        writeFailed();
+    pending_.append(text);
+}
+
+bool fileio::unwritable(std::string_view text, bool comment) {
+    if (!comment)
+        return text.find_first_of("\"\r\n") != std::string_view::npos;
+    if (text.find_first_of("\r\n") != std::string_view::npos)
+        return true;
+    // In a comment line a double quote matters only where it opens a field: first after a comma and blanks.
+    for (std::size_t comma = text.find(','); comma != std::string_view::npos; comma = text.find(',', comma + 1)) {
+        const std::size_t next = text.find_first_not_of(" \t", comma + 1);
+        if (next != std::string_view::npos && text[next] == '"')
+            return true;
+    }
+    return false;
+}
+
+// A text that would not read back as written is refused, and with it the whole file: a report missing one
+// value would import as if it were complete.
+bool fileio::refuse(std::string_view text, bool comment) {
+    if (!unwritable(text, comment) || (file_ != nullptr && mode_ == Mode::Read))
+        return false;
+    if (!failed_) {
+        failed_ = true;
+        pending_.clear();
+        report(sink_,
+               "The text \"" + printable(text, kQuotedLength) +
+                   "\" cannot be written to a setting file: it holds a double quote or a line end. "
+                   "Nothing was written to " + fileName_ + ".",
+               kErrorTitle, FieldPosition{fileName_, 0, 0, true});
+    }
+    return true;
 }
 
 void fileio::printStr(std::string& text) {
     text += ",";
-    write(text + "\r\n");
+    if (!refuse(text))
+        write(text + "\r\n");
 }
 
 void fileio::print2Str(std::string_view text) {
+    if (refuse(text))
+        return;
     write(text);
     write("\r\n");
 }
 
 void fileio::writeStr(std::string_view text) {
+    if (refuse(text))
+        return;
     std::string field;
     field.reserve(text.size() + 3);
     field += '"';
@@ -442,6 +524,8 @@ bool fileio::fileExists(const std::string& name) {
 }
 
 void fileio::printComment(std::string_view text) {
+    if (refuse(text, true))
+        return;
     write("; ");
     write(text);
     write("\r\n");

@@ -5,15 +5,23 @@
 // (writing never truncates), and fixes the direction until closeFile.
 //
 // Reading: fields are separated by "," and line ends (CR, LF or CR LF); blanks before a field are skipped; a
-// field that starts with a double quote runs to the next double quote, which may include commas and line ends;
-// an unquoted field loses its trailing blanks; fields that are empty or begin with ";" are skipped (a comment is
-// a field, so a comment line holding a comma yields a data field after it). The reader
-// keeps one field of look-ahead (the token): a read returns it and fetches the next, so endOfFile turns true as
-// soon as the last field has been fetched, and reading past the end returns the last field again.
+// field that starts with a double quote runs to the next double quote, which may include commas and line
+// ends; an unquoted field loses its trailing blanks; unquoted fields that are empty or begin with ";" are
+// skipped (a comment is a field, so a comment line holding a comma yields a data field after it). A quoted
+// field is always data, even when it is empty: the writer quotes every text, and an empty text must read back
+// as one. The reader keeps one field of look-ahead (the token): a read returns it and fetches the next, so
+// endOfFile turns true as soon as the last field has been fetched, and reading past the end returns the last
+// field again.
 //
 // Validation messages ("Not Numeric Value(Double)." and its kin, "Not Boolean Value.") go to the message sink
 // under the title "error"; the failing field is not consumed. A number that does not fit the type asked for
 // throws NumberOutOfRange. Written files have CR LF line ends on every platform.
+//
+// Hostile input: only regular files are opened (a pipe or a device would block or never end); a field longer
+// than kMaxFieldLength, or a read error, is reported and ends the file there. Writing: a text that a setting
+// file cannot hold (a double quote or a line end) is refused with a message naming it, and then nothing of
+// the file is written: the writes are kept until closeFile and written together, so a refused text never
+// leaves half a report behind.
 
 #include "driver/Variant.h"
 #include "storage/Messages.h"
@@ -49,6 +57,10 @@ class fileio {
 public:
     // Bytes read from the file at a time.
     static constexpr std::size_t kReadBufferSize = 64 * 1024;
+    // The longest field read; the tool's own fields are a few dozen bytes.
+    static constexpr std::size_t kMaxFieldLength = 4 * 1024 * 1024;
+    // How much of a field a message quotes.
+    static constexpr std::size_t kQuotedLength = 40;
 
     explicit fileio(MessageSink& sink);
     ~fileio();
@@ -90,6 +102,11 @@ public:
     std::int64_t messageCount() const { return messageCount_; }
     // Where the look-ahead field starts.
     FieldPosition tokenPosition() const;
+    // The look-ahead field itself, without consuming it (empty before the file is opened).
+    std::string_view token() const { return token_; }
+    // True when a text cannot be written as a field (or a comment line) of a setting file and read back as
+    // written: it holds a line end, or a double quote (in a comment line: one that would open a quoted field).
+    static bool unwritable(std::string_view text, bool comment = false);
 
 private:
     enum class Mode { Read, Append };
@@ -114,6 +131,8 @@ private:
     // Field reading.
     bool fill();
     bool atEnd() { return pos_ >= len_ && !fill(); }
+    void stopReading(std::string_view why); // reports why and makes the read position the end of the file
+    bool tooLong(const std::string& field);
     void readField(std::string& out);
     bool scanBufferedFields();
     void consumeSeparator();
@@ -121,6 +140,7 @@ private:
     void readUnquoted(std::string& out);
 
     void write(std::string_view text);
+    bool refuse(std::string_view text, bool comment = false); // true, said once, when it cannot be written
     void writeFailed();
     void raise(std::string_view text);
     template <class T>
@@ -138,6 +158,9 @@ private:
     std::string scratch_; // the field being read, before it becomes the token
     bool failed_ = false;
     bool pastEnd_ = false;
+    bool stopped_ = false;    // reading ended early: a read error or an overlong field
+    bool lastQuoted_ = false; // the field read last by readField was quoted
+    std::string pending_;     // written at closeFile
     std::int64_t messageCount_ = 0;
 
     std::vector<char> buffer_;

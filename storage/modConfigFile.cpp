@@ -90,13 +90,18 @@ void WriteGroup(fileio& io, const DriverHandles& handles, SettingGroup group) {
 
 int ReadSettingFile(fileio& io, const DriverHandles& handles, int groupCode, SettingTarget& target,
                     MessageSink& sink) {
-    SectionInput input{io, handles, target, sink};
     int applied = 0;
     while (!io.endOfFile()) {
         const std::string field = io.readStr();
         const SectionDef* section = findSection(numbertext::trimBlanks(field));
         if (section != nullptr && section->read != nullptr && section->importedBy(groupCode)) {
-            section->read(input);
+            SectionInput input{io, handles, target, sink, section->name};
+            try {
+                section->read(input);
+            } catch (const SectionStops& stop) {
+                // The section's remaining fields are dropped one by one, as fields of no section are.
+                report(sink, stop.message, kErrorTitle, FieldPosition{});
+            }
             ++applied;
         }
     }

@@ -55,8 +55,10 @@ void WriteGroupTitle(fileio& io, std::string_view title);
 void WriteGroup(fileio& io, const DriverHandles& handles, SettingGroup group);
 
 // Reads the file field by field and applies each section that the group code imports; other fields and
-// sections are dropped. Values go to `target`. Returns how many sections were applied. Driver errors and
-// NumberOutOfRange propagate.
+// sections are dropped. Values go to `target`. Returns how many sections were applied. A section that cannot
+// be read on (a field that does not convert, a row or the file ending early) is reported with the file, line
+// and field and stops there; the reading goes on with the next section. A value the instrument refuses
+// propagates as a DriverError naming the section, file, line and field of the value.
 int ReadSettingFile(fileio& io, const DriverHandles& handles, int groupCode, SettingTarget& target,
                     MessageSink& sink);
 // The same, sending the values to the instrument.

@@ -60,9 +60,29 @@ Instrument::Instrument(const SimOptions& options)
     nonVolatile_ = Settings::factory();
     working = nonVolatile_;
     loadMemory();
+    // The instrument stays powered between programs: it keeps the working values the last one left, until a
+    // power cycle brings them back from non-volatile memory.
+    if (options.powerCycle)
+        file_.forgetWorking();
+    else if (const auto kept = memoryDamage_.empty() ? file_.readWorking() : std::nullopt) {
+        working = kept->settings;
+        measurement = kept->measurement;
+    }
     spinstandTypes = sim::spinstandTypes();
     if (options.spinstandTypeCodes.size() == spinstandTypes.codes.size())
         spinstandTypes.codes = options.spinstandTypeCodes;
+}
+
+Instrument::~Instrument() { keepWorkingValues(); }
+
+void Instrument::keepWorkingValues() noexcept {
+    if (!memoryDamage_.empty())
+        return;
+    try {
+        file_.writeWorking({working, measurement});
+    } catch (const std::exception&) {
+        // The next program then starts from non-volatile memory, as after a power cycle.
+    }
 }
 
 void Instrument::loadMemory() {
@@ -144,6 +164,7 @@ void Instrument::close() {
     hw.piezoLoop = false;
     hw.open = false;
     hw.initialized = false;
+    keepWorkingValues();
 }
 
 void Instrument::parkHeads() {
@@ -582,15 +603,14 @@ void Instrument::save(Group g) {
         nonVolatile_ = file_.read(); // still damaged: refused here
         memoryDamage_.clear();
     }
-    Settings next = nonVolatile_;
-    copyGroup(g, working, next);
+    Settings saved = working;
     if (g == Group::BacklashCompensation)
-        next.backlash.date = now();
+        saved.backlash.date = now();
     pause(300);
-    file_.write(next);
-    nonVolatile_ = next;
+    // The file may hold groups that another program saved meanwhile: they become this instrument's as well.
+    nonVolatile_ = file_.saveGroup(g, saved, nonVolatile_);
     if (g == Group::BacklashCompensation)
-        working.backlash.date = next.backlash.date;
+        working.backlash.date = saved.backlash.date;
 }
 
 void Instrument::recall(Group g) {

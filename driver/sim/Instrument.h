@@ -21,16 +21,6 @@ namespace vss::sim {
 
 inline constexpr std::string_view kResource = "QTB::R2208C";
 
-// The settings of a measurement run that the instrument holds outside its configuration groups.
-struct MeasurementSettings {
-    std::int32_t spindleSpeed = 7200;
-    std::int32_t homeState = homestate::Stop;
-    std::int16_t loadMethod = 0;
-    DataArea dataArea{0.012, 50000, 5.6e-7}; // 12 to 40 mm
-    std::array<LoadPosition, 2> positions{LoadPosition{{0.03, kNoSkew}, 7200}, LoadPosition{{0.045, kNoSkew}, 7200}};
-    bool diskSizeRestriction = true;
-};
-
 // The hardware as it stands.
 struct Hardware {
     bool open = false;
@@ -49,6 +39,9 @@ struct Hardware {
 class Instrument {
 public:
     explicit Instrument(const SimOptions& options);
+    ~Instrument(); // leaves the working values for the next program
+    Instrument(const Instrument&) = delete;
+    Instrument& operator=(const Instrument&) = delete;
 
     // The gate every call passes first: injected faults, then the session and the head loader's presence.
     void gate(std::string_view operation);
@@ -126,6 +119,7 @@ private:
     bool spinning() const { return hw.motor && !hw.freeRunning; }
     void pause(int milliseconds) const;
     void loadMemory();
+    void keepWorkingValues() noexcept;
     double stopperRadius(std::size_t index) const;
 
     struct Failure {

@@ -338,6 +338,7 @@ struct Section {
     Group group;
     std::vector<Field> fields;
     std::function<void()> check;
+    std::string_view name = {}; // the header; empty: the group's name
 };
 
 Field textField(std::string key, std::string& ref) {
@@ -407,10 +408,31 @@ std::vector<Field> propertyFields(const PropertyFamily& family, std::vector<Vari
     return fields;
 }
 
-std::vector<Section> sections(Settings& s) {
+// The measurement settings, in the working-values file only.
+Section measurementSection(MeasurementSettings& m) {
+    std::vector<Field> f{
+        wholeField<std::int32_t>("SpindleSpeed", m.spindleSpeed),
+        wholeField<std::int32_t>("HomeState", m.homeState),
+        wholeField<std::int16_t>("LoadMethod", m.loadMethod),
+        doubleField("InnerRadius", m.dataArea.innerRadius),
+        wholeField<std::int32_t>("MaxTrack", m.dataArea.maxTrack),
+        doubleField("Pitch", m.dataArea.pitch),
+        {"DiskSizeRestriction", [&m] { return std::string(m.diskSizeRestriction ? "true" : "false"); },
+         [&m](std::string_view v) { m.diskSizeRestriction = parseBool(v); }},
+    };
+    for (std::size_t i = 0; i < m.positions.size(); ++i) {
+        const std::string which = i == 0 ? "Load" : "Unload";
+        f.push_back(doubleField(which + "Radius", m.positions[i].position.radius));
+        f.push_back(doubleField(which + "Skew", m.positions[i].position.skew));
+        f.push_back(wholeField<std::int32_t>(which + "Rpm", m.positions[i].rpm));
+    }
+    return {Group::VersionData, std::move(f), nullptr, "Setting"};
+}
+
+std::vector<Section> sections(Settings& s, MeasurementSettings* measurement = nullptr) {
     auto& geometry = s.customer.geometry;
     auto& piezo = s.piezo;
-    return {
+    std::vector<Section> all{
         {Group::VersionData,
          {textField("HardwareRevision", s.version.hardwareRevision),
           textField("SerialNumber", s.version.serialNumber)},
@@ -465,31 +487,36 @@ std::vector<Section> sections(Settings& s) {
            }}},
          nullptr},
     };
+    for (Section& section : all)
+        if (section.name.empty())
+            section.name = groupName(section.group);
+    if (measurement)
+        all.push_back(measurementSection(*measurement));
+    return all;
 }
+
+constexpr std::string_view kEnd = "[End]";
 
 } // namespace
 
-std::string writeSettings(const Settings& settings) {
-    Settings copy = settings;
-    std::string out =
-        "# Non-volatile memory of the simulated spinstand, written by its Save operations.\n"
-        "# One section per configuration group, one \"Key = value\" line per setting: texts in double quotes,\n"
-        "# lists in square brackets, lengths in metres (stage geometry in millimetres), angles in degrees.\n"
-        "# A key that is left out keeps its factory value; delete the file to restore every factory value.\n";
-    for (const Section& section : sections(copy)) {
-        out += "\n[" + std::string(groupName(section.group)) + "]\n";
+namespace {
+
+std::string writeText(Settings settings, MeasurementSettings* measurement, std::string out) {
+    for (const Section& section : sections(settings, measurement)) {
+        out += "\n[" + std::string(section.name) + "]\n";
         for (const Field& f : section.fields)
             out += f.key + " = " + f.write() + "\n";
     }
-    return out;
+    // Written last, so that a file cut short by a full disk or a crash is known for what it is.
+    return out + "\n" + std::string(kEnd) + "\n";
 }
 
-Settings readSettings(std::string_view text) {
-    Settings settings = Settings::factory();
-    std::vector<Section> all = sections(settings);
+void readText(std::string_view text, Settings& settings, MeasurementSettings* measurement) {
+    std::vector<Section> all = sections(settings, measurement);
     std::map<const Section*, int> headerLines;
     const Section* current = nullptr;
     int lineNo = 0;
+    int endLine = 0;
     while (!text.empty()) {
         ++lineNo;
         const std::size_t nl = text.find('\n');
@@ -497,13 +524,19 @@ Settings readSettings(std::string_view text) {
         text = nl == std::string_view::npos ? std::string_view() : text.substr(nl + 1);
         if (line.empty() || line.front() == '#')
             continue;
+        if (endLine != 0)
+            throw SettingsError{lineNo, "nothing may follow the " + std::string(kEnd) + " line"};
+        if (line == kEnd) {
+            endLine = lineNo;
+            continue;
+        }
         if (line.front() == '[') {
             if (line.back() != ']')
                 throw SettingsError{lineNo, "a section header must end with ]"};
             const std::string_view name = line.substr(1, line.size() - 2);
             current = nullptr;
             for (const Section& s : all)
-                if (groupName(s.group) == name)
+                if (s.name == name)
                     current = &s;
             if (!current)
                 throw SettingsError{lineNo, "unknown section [" + std::string(name) + "]"};
@@ -524,13 +557,17 @@ Settings readSettings(std::string_view text) {
                 field = &f;
         if (!field)
             throw SettingsError{lineNo, "unknown key " + std::string(key) + " in section [" +
-                                            std::string(groupName(current->group)) + "]"};
+                                            std::string(current->name) + "]"};
         try {
             field->read(line.substr(eq + 1));
         } catch (const DriverError& e) {
             throw SettingsError{lineNo, std::string(key) + ": " + e.description()};
         }
     }
+    if (endLine == 0)
+        throw SettingsError{lineNo,
+                            "the file ends before its " + std::string(kEnd) +
+                                " line: it was cut short, and the groups after its last line are missing"};
     for (const Section& s : all) {
         try {
             if (s.check)
@@ -538,10 +575,42 @@ Settings readSettings(std::string_view text) {
         } catch (const DriverError& e) {
             const auto at = headerLines.find(&s);
             throw SettingsError{at == headerLines.end() ? lineNo : at->second,
-                                "[" + std::string(groupName(s.group)) + "]: " + e.description()};
+                                "[" + std::string(s.name) + "]: " + e.description()};
         }
     }
+}
+
+} // namespace
+
+std::string writeSettings(const Settings& settings) {
+    return writeText(
+        settings, nullptr,
+        "# Non-volatile memory of the simulated spinstand, written by its Save operations.\n"
+        "# One section per configuration group, one \"Key = value\" line per setting: texts in double quotes,\n"
+        "# lists in square brackets, lengths in metres (stage geometry in millimetres), angles in degrees.\n"
+        "# A key that is left out keeps its factory value; delete the file to restore every factory value.\n"
+        "# The file ends with the [End] line; a file without it was cut short and is not used.\n");
+}
+
+Settings readSettings(std::string_view text) {
+    Settings settings = Settings::factory();
+    readText(text, settings, nullptr);
     return settings;
+}
+
+std::string writeWorkingValues(const WorkingValues& values) {
+    MeasurementSettings measurement = values.measurement;
+    return writeText(
+        values.settings, &measurement,
+        "# Working values of the simulated spinstand: what it holds while it is powered, written when a\n"
+        "# program ends its session. A power cycle deletes this file; the values then come from the\n"
+        "# non-volatile memory beside it.\n");
+}
+
+WorkingValues readWorkingValues(std::string_view text) {
+    WorkingValues values{Settings::factory(), MeasurementSettings{}};
+    readText(text, values.settings, &values.measurement);
+    return values;
 }
 
 } // namespace vss::sim

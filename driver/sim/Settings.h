@@ -94,6 +94,19 @@ struct Settings {
     friend bool operator==(const Settings&, const Settings&) = default;
 };
 
+// The settings of a measurement run that the instrument holds outside its configuration groups (the tool's
+// "Setting" group). They are working values only: no Save keeps them.
+struct MeasurementSettings {
+    std::int32_t spindleSpeed = 7200;
+    std::int32_t homeState = homestate::Stop;
+    std::int16_t loadMethod = 0;
+    DataArea dataArea{0.012, 50000, 5.6e-7}; // 12 to 40 mm
+    std::array<LoadPosition, 2> positions{LoadPosition{{0.03, kNoSkew}, 7200},
+                                          LoadPosition{{0.045, kNoSkew}, 7200}};
+    bool diskSizeRestriction = true;
+    friend bool operator==(const MeasurementSettings&, const MeasurementSettings&) = default;
+};
+
 void copyGroup(Group g, const Settings& from, Settings& to);
 bool sameGroup(Group g, const Settings& a, const Settings& b);
 
@@ -120,6 +133,18 @@ struct SettingsError {
     int line;
     std::string message;
 };
-Settings readSettings(std::string_view text); // starts from the factory settings; keys not given keep them
+// Starts from the factory settings; keys not given keep them. The text must end with the "[End]" line that
+// writeSettings writes last: a file without it was cut short.
+Settings readSettings(std::string_view text);
+
+// The working values, which the instrument keeps while it is powered: every group and the measurement
+// settings.
+struct WorkingValues {
+    Settings settings;
+    MeasurementSettings measurement;
+    friend bool operator==(const WorkingValues&, const WorkingValues&) = default;
+};
+std::string writeWorkingValues(const WorkingValues& values);
+WorkingValues readWorkingValues(std::string_view text); // throws SettingsError
 
 } // namespace vss::sim

@@ -2,7 +2,8 @@
 
 // The simulated instrument: the tool's embedded default wherever the real driver is absent, what operators train
 // on and what every test runs against. One SimInstrument is one physical instrument; driver objects created on it
-// are sessions of the tool. Its non-volatile memory persists in a human-readable text file.
+// are sessions of the tool. Its non-volatile memory persists in a human-readable text file, and its working values
+// persist beside it from one program to the next until a power cycle (SimOptions::powerCycle).
 
 #include "driver/Interfaces.h"
 #include "driver/Trace.h"
@@ -20,6 +21,9 @@ struct SimOptions {
     bool delays = false;            // realistic timing of loads, moves and spin-ups
     bool headLoaderPresent = true;  // false: every IDriverHeadLoader operation fails
     std::vector<std::int16_t> spinstandTypeCodes{}; // the codes of the spinstand type list; empty: 0, 1, 2
+    // Start as after switching the instrument off and on: the working values come from non-volatile memory
+    // instead of from the last program's session. Programs offer it as a command-line option.
+    bool powerCycle = false;
 };
 
 // Inputs that the instrument reads from its sensors; tests and demonstrations set them at run time.

@@ -8,6 +8,8 @@
 
 #include <QApplication>
 #include <QCheckBox>
+#include <QComboBox>
+#include <QWheelEvent>
 #include <QGroupBox>
 #include <QLineEdit>
 #include <QPushButton>
@@ -261,6 +263,36 @@ TEST(FileDialogSeam, FilterPairsBecomeQtFilters) {
     EXPECT_EQ(qtFileFilter(kSettingFileFilter), "Text Files(*.csv);;All Files(*.*)");
     EXPECT_EQ(qtFileFilter("Reports|*.txt"), "Reports (*.txt)");
     EXPECT_EQ(qtFileFilter(""), "");
+}
+
+} // namespace
+} // namespace vss
+
+namespace vss {
+namespace {
+
+// A wheel turned over a list of a window passes it by: only a click or a key picks an entry, so that moving
+// the pointer across a settings page sends nothing to the instrument.
+TEST(Lists, AWheelOverAListOfAWindowChangesNothing) {
+    WindowHarness harness;
+    Form w;
+    auto* list = new QComboBox(&w);
+    list->addItems({QStringLiteral("Run"), QStringLiteral("Standby"), QStringLiteral("Off")});
+    list->setCurrentIndex(0);
+    int picked = 0;
+    QObject::connect(list, &QComboBox::activated, [&picked] { ++picked; });
+    w.show();
+    QApplication::setActiveWindow(&w);
+    list->setFocus();
+    for (const int delta : {-120, 120, -120}) {
+        QWheelEvent wheel(QPointF(5, 5), list->mapToGlobal(QPointF(5, 5)), QPoint(), QPoint(0, delta),
+                          Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
+        QApplication::sendEvent(list, &wheel);
+    }
+    EXPECT_EQ(list->currentIndex(), 0);
+    EXPECT_EQ(picked, 0);
+    QTest::keyClick(list, Qt::Key_Down);
+    EXPECT_EQ(list->currentIndex(), 1) << "the keys still pick";
 }
 
 } // namespace

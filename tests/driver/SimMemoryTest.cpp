@@ -98,6 +98,23 @@ TEST(SettingsText, WritesAndReadsBackEveryValueExactly) {
     s.spindle.values[3] = Variant(1234.5);
     s.backlash.values[0] = 7;
     EXPECT_EQ(sim::readSettings(sim::writeSettings(s)), s);
+    sim::WorkingValues working{s, {}};
+    working.measurement.spindleSpeed = 5400;
+    working.measurement.positions[1].position.skew = 12.5;
+    working.measurement.diskSizeRestriction = false;
+    EXPECT_EQ(sim::readWorkingValues(sim::writeWorkingValues(working)), working);
+}
+
+TEST(SettingsText, AFileCutShortIsDamagedEvenWhereItEndsOnAWholeLine) {
+    const std::string good = sim::writeSettings(sim::Settings::factory());
+    const std::string cut = good.substr(0, good.find("[PiezoData]"));
+    try {
+        sim::readSettings(cut);
+        FAIL() << "a file without its last groups was taken";
+    } catch (const sim::SettingsError& e) {
+        EXPECT_NE(e.message.find("cut short"), std::string::npos) << e.message;
+    }
+    EXPECT_THROW(sim::readSettings(good + "[End]\n"), sim::SettingsError);
 }
 
 TEST(SettingsText, ReportsTheLineOfWhatIsWrong) {
@@ -148,22 +165,83 @@ protected:
     std::string path;
 };
 
-TEST_F(SimMemoryFile, SavedGroupsSurviveTheInstrumentAndUnsavedChangesDoNot) {
-    {
-        sim::SimInstrument first(sim::SimOptions{path, false, true});
-        auto h = queryAll(*first.createObject());
+// An instrument on the memory file, opened; `powerCycle` as the option of that name.
+struct Program {
+    Program(const std::string& path, bool powerCycle = false)
+        : sim([&] {
+              sim::SimOptions options{path, false, true};
+              options.powerCycle = powerCycle;
+              return options;
+          }()),
+          h(queryAll(*sim.createObject())) {
         h.driver->Open("QTB::R2208C");
-        EXPECT_FALSE(fs::exists(path)); // nothing is written before a Save
-        h.service->SetSerialNumber("SN-7");
-        h.service->SaveVersionData();
-        h.service->SetHardwareRevision("unsaved");
     }
-    sim::SimInstrument second(sim::SimOptions{path, false, true});
-    auto h = queryAll(*second.createObject());
-    h.driver->Open("QTB::R2208C");
-    EXPECT_EQ(h.service->GetSerialNumber(), "SN-7");
-    EXPECT_EQ(h.service->GetHardwareRevision(), "R2208C-B");
+    sim::SimInstrument sim;
+    DriverHandles h;
+};
+
+TEST_F(SimMemoryFile, WorkingValuesOfEveryGroupPassToTheNextProgramUntilAPowerCycle) {
+    {
+        Program first(path);
+        EXPECT_FALSE(fs::exists(path)); // nothing is written to non-volatile memory before a Save
+        first.h.service->SetSerialNumber("SN-7");
+        first.h.service->SaveVersionData();
+        first.h.service->SetHardwareRevision("unsaved");
+        first.h.driver->SetSpindleSpeed(5400); // the Setting group, which no Save keeps
+        first.h.service->SetStopperPosition(0, 10.5);
+    }
+    {
+        Program next(path);
+        EXPECT_EQ(next.h.service->GetHardwareRevision(), "unsaved");
+        EXPECT_EQ(next.h.driver->GetSpindleSpeed(), 5400);
+        EXPECT_EQ(next.h.service->GetStopperPosition(0), 10.5);
+        next.h.service->RecallVersionData(); // the non-volatile copy is still there
+        EXPECT_EQ(next.h.service->GetHardwareRevision(), "R2208C-B");
+        next.h.service->SetHardwareRevision("unsaved again");
+    }
+    Program afterPowerCycle(path, true);
+    EXPECT_EQ(afterPowerCycle.h.service->GetSerialNumber(), "SN-7");
+    EXPECT_EQ(afterPowerCycle.h.service->GetHardwareRevision(), "R2208C-B");
+    EXPECT_EQ(afterPowerCycle.h.driver->GetSpindleSpeed(), 7200);
     EXPECT_FALSE(fs::exists(path + ".tmp"));
+}
+
+TEST_F(SimMemoryFile, TwoProgramsSavingDifferentGroupsKeepEachOthersSaves) {
+    Program one(path);
+    Program two(path);
+    one.h.service->SetSerialNumber("SN-1");
+    two.h.service->SetStopperPosition(0, 10.5);
+    one.h.service->SaveVersionData();
+    two.h.service->SaveCustomerConfiguration();
+    two.h.service->RecallVersionData(); // what the other program saved is the instrument's memory now
+    EXPECT_EQ(two.h.service->GetSerialNumber(), "SN-1");
+
+    Program third(path, true);
+    EXPECT_EQ(third.h.service->GetSerialNumber(), "SN-1");
+    EXPECT_EQ(third.h.service->GetStopperPosition(0), 10.5);
+}
+
+TEST_F(SimMemoryFile, AFileCutShortIsReportedAndNeverSavedOver) {
+    fs::create_directories(dir);
+    sim::Settings saved = sim::Settings::factory();
+    saved.piezo.serial = "PZ-9";
+    const std::string whole = sim::writeSettings(saved);
+    const std::string cut = whole.substr(0, whole.find("Serial = "));
+    std::ofstream(path, std::ios::binary) << cut;
+
+    sim::SimInstrument instrument(sim::SimOptions{path, false, true});
+    auto h = queryAll(*instrument.createObject());
+    EXPECT_NE(failure([&] { h.driver->Open("QTB::R2208C"); }).find("cut short"), std::string::npos);
+    EXPECT_NE(failure([&] { h.service->SaveVersionData(); }), "");
+    EXPECT_EQ(fileText(), cut);
+}
+
+TEST_F(SimMemoryFile, ADirectoryGivenAsTheMemoryFileIsRefusedAtTheStart) {
+    fs::create_directories(path);
+    sim::SimInstrument instrument(sim::SimOptions{path, false, true});
+    auto h = queryAll(*instrument.createObject());
+    EXPECT_NE(failure([&] { h.driver->Open("QTB::R2208C"); }).find(path + " is not a regular file"),
+              std::string::npos);
 }
 
 TEST_F(SimMemoryFile, ADamagedFileFailsOpenWithItsLineAndIsNeverSavedOver) {

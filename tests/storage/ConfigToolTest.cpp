@@ -71,11 +71,11 @@ TEST_F(ConfigTool, BackupOnOneInstrumentAndRestoreOntoAnotherGivesEqualValues) {
     ASSERT_NE(prompt, std::string::npos);
     EXPECT_EQ(restored.out.find("instrument", prompt), std::string::npos) << "the diff after the restore is empty";
 
-    // Without save, a new session starts from the instrument's non-volatile copy again: only the groups
+    // Without save, an instrument switched off and on starts from its non-volatile copy again: only the groups
     // that have a save operation survive a save.
-    EXPECT_GT(lineCount(run(b + " --quiet diff " + path("backup.csv")).out), 50);
+    EXPECT_GT(lineCount(run(b + " --power-cycle --quiet diff " + path("backup.csv")).out), 50);
     ASSERT_EQ(run(b + " --quiet --yes restore " + path("backup.csv") + " save all").exitCode, 0);
-    const ToolRun after = run(b + " --quiet diff " + path("backup.csv"));
+    const ToolRun after = run(b + " --power-cycle --quiet diff " + path("backup.csv"));
     EXPECT_EQ(after.exitCode, 0);
     std::istringstream lines(after.out);
     for (std::string line; std::getline(lines, line);)
@@ -149,6 +149,51 @@ TEST_F(ConfigTool, MessagesNameTheFileAndFieldAndSetTheExitCode) {
                               "--frobnicate diff x.csv"})
         EXPECT_EQ(run(usage).exitCode, 2) << usage;
     EXPECT_EQ(run("--help").exitCode, 0);
+}
+
+// The shipped catalogue lies beside the tool; --catalogue reads another one.
+TEST_F(ConfigTool, ModelsListsTheCatalogueAndApplyModelWritesAModelThatOnlySaveAllKeeps) {
+    const ToolRun models = run("models");
+    EXPECT_EQ(models.exitCode, 0) << models.err;
+    EXPECT_EQ(models.out, "0: VSS-2208 Standard\n1: VSS-2208 High Speed\n2: VSS-2208 Compact\n");
+
+    // The report header names the instrument's hardware revision, which the model sets.
+    const std::string a = " --quiet --sim-state " + path("a.txt");
+    const auto hardwareAfter = [&](const std::string& actions) {
+        const ToolRun r = run(a + " " + actions + " export setting " + write("x.csv", ""));
+        const std::string report = test::readBytes(path("x.csv"));
+        return std::to_string(r.exitCode) + " " + report.substr(report.find("; Hardware : ") + 13, 8);
+    };
+    EXPECT_EQ(hardwareAfter("apply-model \"VSS-2208 Standard\""), "0 R2208C-B") << "no warning";
+    EXPECT_EQ(hardwareAfter("apply-model 2"), "1 R2208K-A")
+        << "a model for another spindle driver is warned about";
+    EXPECT_EQ(hardwareAfter(""), "0 R2208K-A") << "the working values stay while the instrument is on";
+    EXPECT_EQ(hardwareAfter("--power-cycle"), "0 R2208C-B") << "not saved";
+    EXPECT_EQ(hardwareAfter("apply-model 2 save all"), "1 R2208K-A");
+    EXPECT_EQ(hardwareAfter("--power-cycle"), "0 R2208K-A");
+    const ToolRun warned = run(a + " apply-model 1");
+    EXPECT_EQ(warned.err, "error: Velkor Spinstand Tool: Warning : Invalid Spindle Driver.\n");
+
+    const std::string other = write("other.ini", "; a test catalogue\n1\nName,\"Only one\"\n");
+    EXPECT_EQ(run("--catalogue " + other + " models").out, "0: Only one\n");
+}
+
+TEST_F(ConfigTool, ACatalogueThatCannotBeUsedIsNamedAndNothingIsWritten) {
+    const ToolRun gone = run("--catalogue " + path("none.ini") + " models");
+    EXPECT_EQ(gone.exitCode, 2);
+    EXPECT_EQ(gone.err, "error: Velkor Spinstand Tool: The spinstand catalogue " + path("none.ini") +
+                            " cannot be used: No such file or directory. (file " + path("none.ini") + ")\n");
+
+    const std::string bad = write("bad.ini", "30000\nName,a\n");
+    const ToolRun r = run("--catalogue " + bad + " --trace " + path("trace.txt") + " apply-model 0 save all");
+    EXPECT_EQ(r.exitCode, 1);
+    EXPECT_NE(r.err.find("the number of models is 30000"), std::string::npos) << r.err;
+    EXPECT_NE(r.err.find("holds no model \"0\""), std::string::npos) << r.err;
+    const std::string trace = test::readBytes(path("trace.txt"));
+    EXPECT_EQ(trace.find("IDriverService.S"), std::string::npos) << "nothing set, nothing saved";
+
+    for (const char* usage : {"apply-model", "models --catalogue"})
+        EXPECT_EQ(run(usage).exitCode, 2) << usage;
 }
 
 } // namespace

@@ -6,6 +6,10 @@
 #include <cmath>
 #include <random>
 
+#ifndef _WIN32
+#include <sys/stat.h>
+#endif
+
 namespace vss {
 namespace {
 
@@ -72,6 +76,15 @@ TEST(Fileio, FieldSyntaxQuotesBlanksCommentsAndEveryKindOfLineEnd) {
               (std::vector<std::string>{"alpha", "b,c", "stray", "multi\r\nline", "  spaced  "}));
     EXPECT_TRUE(reader.endOfFile()); // "last" is already fetched
     EXPECT_EQ(reader.readStr(), "last");
+    EXPECT_TRUE(sink.messages.empty());
+}
+
+TEST(Fileio, AQuotedFieldIsDataEvenWhenEmptyOrStartingWithASemicolon) {
+    ScratchDir dir;
+    RecordingSink sink;
+    fileio io(sink);
+    io.setFileName(dir.write("f.csv", "\"\",\r\n; comment,\"; kept\",, ,\"\"\r\n%Next\r\n"));
+    EXPECT_EQ(readAllStrings(io, 4), (std::vector<std::string>{"", "; kept", "", "%Next"}));
     EXPECT_TRUE(sink.messages.empty());
 }
 
@@ -162,6 +175,89 @@ TEST(Fileio, WholeNumbersRoundHalvesToEvenAndThrowWhenOutOfRange) {
     EXPECT_EQ(io.readDbl(), 2147483648.0);
     EXPECT_THROW(io.readDbl(), NumberOutOfRange);
     EXPECT_TRUE(sink.messages.empty());
+}
+
+TEST(Fileio, AnOverflowMessageQuotesOnlyTheStartOfAHugeField) {
+    ScratchDir dir;
+    RecordingSink sink;
+    fileio io(sink);
+    io.setFileName(dir.write("f.csv", std::string(200000, '9') + ",\r\n"));
+    try {
+        io.readLng();
+        FAIL() << "no NumberOutOfRange";
+    } catch (const NumberOutOfRange& e) {
+        EXPECT_LT(std::string(e.what()).size(), 300u);
+        EXPECT_NE(std::string(e.what()).find("9999...\" does not fit Long"), std::string::npos) << e.what();
+    }
+}
+
+TEST(Fileio, AFieldLongerThanTheLimitEndsTheFileWithAMessage) {
+    ScratchDir dir;
+    RecordingSink sink;
+    fileio io(sink);
+    for (const char* open : {"", "\""}) {
+        io.setFileName(dir.write(std::string("f") + (*open ? "q" : "u") + ".csv",
+                                 "7,\r\n" + std::string(open) +
+                                     std::string(fileio::kMaxFieldLength + 10, 'z') + ",8\r\n"));
+        EXPECT_EQ(io.readLng(), 7);
+        EXPECT_TRUE(io.endOfFile());
+        EXPECT_EQ(io.readStr(), "7"); // past the end: the last field read, not a piece of the long one
+        io.closeFile();
+    }
+    ASSERT_EQ(sink.messages.size(), 2u);
+    EXPECT_NE(sink.messages[0].text.find("line 2, field 1"), std::string::npos) << sink.messages[0].text;
+    EXPECT_NE(sink.messages[0].text.find("longer than 4 MB"), std::string::npos);
+}
+
+#ifndef _WIN32
+TEST(Fileio, WhatIsNotARegularFileIsRefusedInsteadOfBlocking) {
+    ScratchDir dir;
+    RecordingSink sink;
+    const std::string pipe = dir.path("pipe.csv");
+    ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+    fileio reader(sink);
+    reader.setFileName(pipe);
+    EXPECT_TRUE(reader.endOfFile());
+    fileio writer(sink);
+    writer.setFileName(pipe);
+    writer.writeStr("x");
+    writer.closeFile();
+    ASSERT_EQ(sink.messages.size(), 2u);
+    EXPECT_EQ(sink.messages[0].text, pipe + " is not a regular file.");
+    EXPECT_TRUE(sink.messages[1].where.fileFailed);
+}
+#endif
+
+TEST(Fileio, ATextThatWouldNotReadBackIsRefusedAndNothingOfTheFileIsWritten) {
+    ScratchDir dir;
+    EXPECT_FALSE(fileio::unwritable("Hardware : rev \"B\", 2", true)); // no field of its own starts with it
+    EXPECT_TRUE(fileio::unwritable("Hardware : rev B, \"2", true));
+    for (const std::string bad : {"PZ\"7, \"8", "line\r\nforged", "two\nlines"}) {
+        for (const bool comment : {false, true}) {
+            RecordingSink sink;
+            const std::string name = dir.write("f.csv", "kept\r\n");
+            fileio io(sink);
+            io.setFileName(name);
+            io.printComment("header");
+            io.writeLng(1);
+            if (comment)
+                io.printComment(bad);
+            else
+                io.writeStr(bad);
+            io.writeLng(2);
+            io.closeFile();
+            EXPECT_EQ(readBytes(name), "kept\r\n");
+            ASSERT_EQ(sink.messages.size(), 1u);
+            EXPECT_NE(sink.messages[0].text.find("\"" + printable(bad) + "\""), std::string::npos)
+                << sink.messages[0].text;
+        }
+    }
+}
+
+TEST(Printable, EscapesWhatCouldForgeALineOrMoveTheCursorAndCutsLongTexts) {
+    EXPECT_EQ(printable("a\r\nb\t\x1b[2J\"q\"\\\x7f"), "a\\r\\nb\\t\\x1B[2J\\\"q\\\"\\\\\\x7F");
+    EXPECT_EQ(printable("Serial 7"), "Serial 7");
+    EXPECT_EQ(printable("abcdef", 3), "abc...");
 }
 
 TEST(Fileio, BooleansReadAsWordsInAnyCaseOrAsNumbers) {
@@ -289,7 +385,8 @@ std::vector<ModelField> modelFields(const std::string& bytes) {
         const std::int64_t fieldLine = line;
         const std::int64_t fieldIndex = field;
         std::string text;
-        if (bytes[i] == '"') {
+        const bool quoted = bytes[i] == '"';
+        if (quoted) {
             const std::size_t close = bytes.find('"', i + 1);
             const std::size_t stop = close == std::string::npos ? bytes.size() : close;
             text = bytes.substr(i + 1, stop - i - 1);
@@ -316,7 +413,7 @@ std::vector<ModelField> modelFields(const std::string& bytes) {
             }
             ++i;
         }
-        if (!text.empty() && text.front() != ';')
+        if (quoted || (!text.empty() && text.front() != ';'))
             out.push_back({text, fieldLine, fieldIndex});
     }
     return out;

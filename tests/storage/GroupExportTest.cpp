@@ -158,7 +158,58 @@ TEST(GroupImport, AFileOfAnotherFormChangesOnlyWhatTheGroupCodeAccepts) {
     EXPECT_TRUE(sink.messages.empty());
 }
 
-TEST(GroupImport, FewerPropertyRowsThanPropertiesRunOnIntoTheNextSectionAndWarn) {
+// A stage property file whose rows are the instrument's, with `row` replacing the row at `at`.
+std::string stagePropertyFile(const PropertyList& list, std::size_t at, const std::string& row) {
+    std::string file = "%StageProperty\r\n";
+    for (std::size_t i = 0; i < list.ids.size(); ++i)
+        file += i == at ? row : "\"" + list.names[i] + "\",\"(Long)\",1,\r\n";
+    return file;
+}
+
+struct Applied {
+    std::vector<Variant> values;
+    std::vector<std::string> messages;
+};
+
+Applied importStageProperties(const std::string& file) {
+    test::ScratchDir dir;
+    test::SimSession target;
+    test::RecordingSink sink;
+    ImportGroup(6, dir.write("stage.csv", file), target.handles, sink);
+    Applied out{{}, sink.texts()};
+    for (std::int16_t id : target.handles.service->GetStagePropertyList().ids)
+        out.values.push_back(target.handles.service->GetStageProperty(id));
+    return out;
+}
+
+TEST(GroupImport, AnUnreadablePropertyRowStopsTheSectionInsteadOfShiftingEveryLaterProperty) {
+    test::SimSession fresh;
+    const PropertyList list = fresh.handles.service->GetStagePropertyList();
+    std::vector<Variant> factory;
+    for (std::int16_t id : list.ids)
+        factory.push_back(fresh.handles.service->GetStageProperty(id));
+    ASSERT_GE(list.ids.size(), 4u);
+    const std::size_t bad = 2;
+    const std::string name = "\"" + list.names[bad] + "\",";
+    for (const auto& [row, line] : {std::pair{name + "\"(Integer)\",99999,\r\n", 4}, // out of range
+                                    std::pair{name + "\"(Long)\",x,\r\n", 4},        // not a number
+                                    std::pair{name + "\"(Text)\",1,\r\n", 4},        // no such type
+                                    std::pair{name + "\r\n", 5}}) {                  // the row ends early
+        const Applied applied = importStageProperties(stagePropertyFile(list, bad, row));
+        for (std::size_t i = bad; i < list.ids.size(); ++i)
+            EXPECT_EQ(applied.values[i], factory[i]) << row << " property " << i;
+        ASSERT_FALSE(applied.messages.empty()) << row;
+        const std::string& stop = applied.messages.back();
+        EXPECT_NE(stop.find("%StageProperty: "), std::string::npos) << stop;
+        EXPECT_NE(stop.find("property 3 of " + std::to_string(list.ids.size())), std::string::npos) << stop;
+        EXPECT_NE(stop.find("stage.csv, line " + std::to_string(line) + ", field "), std::string::npos)
+            << stop;
+        for (const std::string& m : applied.messages)
+            EXPECT_NE(m, "Property Name does not match") << row;
+    }
+}
+
+TEST(GroupImport, FewerPropertyRowsThanPropertiesStopAtTheNextSectionWhichIsStillFound) {
     test::ScratchDir dir;
     test::SimSession target;
     const PropertyList list = target.handles.service->GetStagePropertyList();
@@ -166,14 +217,89 @@ TEST(GroupImport, FewerPropertyRowsThanPropertiesRunOnIntoTheNextSectionAndWarn)
     std::string file = "%StageProperty\r\n";
     file += "\"" + list.names[0] + "\",\"(Integer)\",1,\r\n";
     file += "\"" + list.names[1] + "\",\"(Long)\",321,\r\n";
-    file += "%PiezoSerial\r\n\"S\",\r\n";
+    file += "%StageProperty\r\n\"" + list.names[0] + "\",\"(Integer)\",0,\r\n";
     test::RecordingSink sink;
     ImportGroup(6, dir.write("short.csv", file), target.handles, sink);
     EXPECT_EQ(target.handles.service->GetStageProperty(list.ids[1]), Variant(std::int32_t{321}));
+    EXPECT_EQ(target.handles.service->GetStageProperty(list.ids[0]),
+              Variant(std::int16_t{0})); // the second copy
     ASSERT_FALSE(sink.messages.empty());
-    EXPECT_EQ(sink.messages[0].text, "Property Name does not match");
     EXPECT_EQ(sink.messages[0].title, "error");
-    EXPECT_EQ(sink.messages[0].where.line, 4);
+    EXPECT_NE(sink.messages[0].text.find("section ends before property 3 of"), std::string::npos)
+        << sink.messages[0].text;
+    EXPECT_NE(sink.messages[0].text.find("short.csv, line 4, field 1"), std::string::npos)
+        << sink.messages[0].text;
+}
+
+TEST(GroupImport, AShortBacklashRowSetsOnlyTheEntriesItHolds) {
+    test::ScratchDir dir;
+    test::SimSession target;
+    const std::size_t count = target.handles.service->GetBacklashCompensationList().size();
+    ASSERT_GE(count, 3u);
+    std::vector<std::int32_t> factory;
+    for (std::size_t i = 0; i < count; ++i)
+        factory.push_back(target.handles.service->GetBacklashCompensation(static_cast<std::int16_t>(i)));
+    for (const auto& [tail, why] : {std::pair{std::string(",\r\n%PiezoSerial\r\n\"S\",\r\n"), "section ends"},
+                                    std::pair{std::string(",\r\n3,4,5,6,7,\r\n"), "row ends"},
+                                    std::pair{std::string(""), "file ends"}}) {
+        test::RecordingSink sink;
+        ImportGroup(10, dir.write("backlash.csv", "%BacklashCompensationData\r\n11,12" + tail),
+                    target.handles, sink);
+        EXPECT_EQ(target.handles.service->GetBacklashCompensation(0), 11);
+        EXPECT_EQ(target.handles.service->GetBacklashCompensation(1), 12);
+        for (std::size_t i = 2; i < count; ++i)
+            EXPECT_EQ(target.handles.service->GetBacklashCompensation(static_cast<std::int16_t>(i)),
+                      factory[i])
+                << why;
+        ASSERT_EQ(sink.messages.size(), 1u) << why;
+        EXPECT_NE(
+            sink.messages[0].text.find(std::string(why) + " before entry 3 of " + std::to_string(count)),
+            std::string::npos)
+            << sink.messages[0].text;
+    }
+}
+
+TEST(GroupImport, ARefusedValueNamesTheFileLineAndFieldItCameFrom) {
+    test::ScratchDir dir;
+    test::SimSession target;
+    test::RecordingSink sink;
+    const std::string file = dir.write(
+        "range.csv", "%SpindleSpeedRange\r\n5000,4000,\r\n%BacklashCompensationData\r\n1,-99999999,\r\n");
+    try {
+        ImportGroup(5, file, target.handles, sink);
+        FAIL() << "the instrument took a range whose minimum is above its maximum";
+    } catch (const DriverError& e) {
+        EXPECT_NE(e.description().find("(%SpindleSpeedRange value at " + file + ", line 2, field 1)"),
+                  std::string::npos)
+            << e.description();
+    }
+    try {
+        ImportGroup(10, file, target.handles, sink);
+        FAIL() << "the instrument took a backlash value of -99999999";
+    } catch (const DriverError& e) {
+        EXPECT_NE(e.description().find(file + ", line 4, field 2)"), std::string::npos) << e.description();
+    }
+}
+
+TEST(GroupExport, AnEmptySerialReadsBackAndASerialThatCannotBeWrittenIsRefusedWhole) {
+    test::ScratchDir dir;
+    test::SimSession source;
+    test::SimSession target;
+    test::setNonDefaultValues(source.handles);
+    source.handles.service->SetPiezoSerial("");
+    test::RecordingSink sink;
+    ExportGroup(SettingGroup::PiezoData, dir.path("empty.csv"), source.handles, sink, kFixedClock);
+    ImportGroup(7, dir.path("empty.csv"), target.handles, sink);
+    EXPECT_TRUE(sink.messages.empty());
+    EXPECT_EQ(target.handles.service->GetPiezoSerial(), "");
+    EXPECT_EQ(target.handles.service->GetPiezoAdjust(1), 1003); // the section after the serial
+
+    source.handles.service->SetPiezoSerial("PZ\"12");
+    const std::string file = dir.write("quoted.csv", "; kept\r\n");
+    ExportGroup(SettingGroup::PiezoData, file, source.handles, sink, kFixedClock);
+    EXPECT_EQ(test::readBytes(file), "; kept\r\n");
+    ASSERT_EQ(sink.messages.size(), 1u);
+    EXPECT_NE(sink.messages[0].text.find("\"PZ\\\"12\""), std::string::npos) << sink.messages[0].text;
 }
 
 } // namespace

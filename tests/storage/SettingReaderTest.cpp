@@ -63,13 +63,46 @@ TEST(SettingReader, ACommentHoldingACommaYieldsADataFieldThatCanNameASection) {
     EXPECT_EQ(readFile("; Hardware : rev A,%LoadMethod\r\n2\r\n", 1).calls, (Calls{"SetLoadMethod(2)"}));
 }
 
-TEST(SettingReader, ABadFieldRaisesAMessagePerReadAndShiftsTheRestOfTheSectionWhoseValuesAreStillSent) {
+// Whether a message names the place: "line 4, field 2".
+bool names(const std::string& message, const std::string& what) {
+    return message.find(what) != std::string::npos;
+}
+
+TEST(SettingReader, AFieldThatDoesNotConvertStopsItsSectionAndTheNextSectionIsReadAsUsual) {
     const auto result = readFile("%LoadPosition\r\n; n,; Radius,; Skew,; RPM\r\n"
-                                 "\"Load\",x,0,5400,\r\n\"Unload\",0.02,1.5,7200,\r\n",
+                                 "\"Load\",0.03,0,5400,\r\n\"Unload\",x,1.5,7200,\r\n"
+                                 "%SpindleSpeed\r\n4200,\r\n",
                                  1);
-    EXPECT_EQ(result.calls, (Calls{"SetLoadPosition(1,0,0,0)", "SetLoadPosition(2,0,5400,0)"}));
-    EXPECT_EQ(result.messages, (std::vector<std::string>{"Not Numeric Value(Double).", "Not Numeric Value(Double).",
-                                                         "Not Numeric Value(Long).", "Not Numeric Value(Long)."}));
+    EXPECT_EQ(result.calls, (Calls{"SetLoadPosition(1,0.03,0,5400)", "SetSpindleSpeed(4200)"}));
+    ASSERT_EQ(result.messages.size(), 2u);
+    EXPECT_EQ(result.messages[0], "Not Numeric Value(Double).");
+    EXPECT_TRUE(names(result.messages[1], "%LoadPosition: cannot read row 2 of 2")) << result.messages[1];
+    EXPECT_TRUE(names(result.messages[1], "in.csv, line 4, field 2")) << result.messages[1];
+}
+
+TEST(SettingReader, ASectionCutShortAppliesNothingOfItsUnreadValues) {
+    // A row that ends early: the next line's value is not taken for the row's missing one.
+    const auto shortRow =
+        readFile("%DiskSize\r\n0.02,\r\n%LoadPosition\r\n\"Load\",0.03,0,\r\n\"Unload\",0.04,0,7200,\r\n", 4);
+    EXPECT_EQ(shortRow.calls, Calls{});
+    ASSERT_EQ(shortRow.messages.size(), 1u);
+    EXPECT_TRUE(names(shortRow.messages[0], "%DiskSize: section ends before")) << shortRow.messages[0];
+    EXPECT_EQ(readFile("%LoadPosition\r\n\"Load\",0.03,0,\r\n\"Unload\",0.04,0,7200,\r\n", 1).calls, Calls{});
+    // The file ends: the last value is not repeated into the missing ones.
+    const auto atEnd = readFile("%DataArea\r\n0.012,50000", 1);
+    EXPECT_EQ(atEnd.calls, Calls{});
+    ASSERT_EQ(atEnd.messages.size(), 1u);
+    EXPECT_TRUE(names(atEnd.messages[0], "%DataArea: file ends before")) << atEnd.messages[0];
+    EXPECT_TRUE(names(atEnd.messages[0], "in.csv, after line 2)")) << atEnd.messages[0];
+}
+
+TEST(SettingReader, AnEmptyQuotedTextReadsAsAnEmptyTextAndNotAsTheNextSectionsName) {
+    EXPECT_EQ(readFile("%PiezoSerial\r\n\"\",\r\n%PiezoCalCoef\r\n\"Volt\",0,10,\r\n\"Position\",0,1,\r\n"
+                       "\"Nop\",1,\r\n\"Coef\",2,\r\n",
+                       7),
+              (ReadResult{{"SetPiezoSerial()", "SetPiezoCalCoef(0,10,0,1,2)"}, {}}));
+    EXPECT_EQ(readFile("%HomeState\r\n\"\",\r\n%SpindleSpeed\r\n5400,\r\n", 1).calls,
+              (Calls{"SetHomeState(0)", "SetSpindleSpeed(5400)"}));
 }
 
 TEST(SettingReader, WordEncodingsReadExactlyAndAnythingElseMeansTheDefault) {
@@ -84,35 +117,34 @@ TEST(SettingReader, WordEncodingsReadExactlyAndAnythingElseMeansTheDefault) {
 TEST(SettingReader, CountsFarLargerThanTheDataStopAtTheEndOrAtTheFirstBadValue) {
     const auto start = std::chrono::steady_clock::now();
     // The file ends after three coefficients.
-    EXPECT_EQ(readFile("%PiezoCalCoef\r\n\"Volt\",0,10,\r\n\"Position\",0,0.00001,\r\n\"Nop\",32000,\r\n"
-                       "\"Coef\",1,2,3,\r\n",
-                       7),
-              (ReadResult{{"SetPiezoCalCoef(0,10,0,0.00001,1,2,3)"}, {}}));
-    // The data runs into the next section: one message, not thousands.
+    const auto cut =
+        readFile("%PiezoCalCoef\r\n\"Volt\",0,10,\r\n\"Position\",0,0.00001,\r\n\"Nop\",32000,\r\n"
+                 "\"Coef\",1,2,3,\r\n",
+                 7);
+    EXPECT_EQ(cut.calls, Calls{});
+    ASSERT_EQ(cut.messages.size(), 1u);
+    EXPECT_TRUE(names(cut.messages[0], "file ends before coefficient 4 of 32000")) << cut.messages[0];
+    // The data runs into the next section: one message, not thousands, and the next section is still found.
     const auto intoNext = readFile("%PiezoControlData\r\n\"Nop\",30000,\r\n\"0\",1,2,3,4,5,\r\n"
-                                   "%PiezoSerial\r\n\"S1\",\r\n",
+                                   "%PiezoControlData\r\n\"Nop\",1,\r\n\"0\",1,2,3,4,5,\r\n",
                                    8);
-    EXPECT_EQ(intoNext.calls, (Calls{"SetPiezoControlData(2)"}));
-    EXPECT_EQ(intoNext.messages.size(), 5u); // the five reads of the row that met the section name
+    EXPECT_EQ(intoNext.calls, (Calls{"SetPiezoControlData(1)"}));
+    ASSERT_EQ(intoNext.messages.size(), 1u);
+    EXPECT_TRUE(names(intoNext.messages[0], "section ends before row 2 of 30000 (")) << intoNext.messages[0];
     // A negative count reads nothing.
     EXPECT_EQ(readFile("%PiezoCalCoef\r\n\"Volt\",0,1,\r\n\"Position\",0,1,\r\n\"Nop\",-5,\r\n\"Coef\",9,\r\n", 7).calls,
               (Calls{"SetPiezoCalCoef(0,1,0,1)"}));
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(2));
 }
 
-TEST(SettingReader, ANumberOutOfRangeStopsTheReadWithItsPosition) {
-    test::ScratchDir dir;
-    test::RecordingSink sink;
-    test::RecordingTarget target;
-    fileio io(sink);
-    io.setFileName(dir.write("in.csv", "%SpindleSpeed\r\n7200,\r\n%SpinstandType\r\n40000,\r\n"));
-    try {
-        ReadSettingFile(io, DriverHandles{}, 4, target, sink);
-        FAIL() << "no NumberOutOfRange";
-    } catch (const NumberOutOfRange& e) {
-        EXPECT_EQ(e.where().line, 4);
-        EXPECT_EQ(e.where().field, 1);
-    }
+TEST(SettingReader, ANumberOutOfRangeIsReportedWithItsPositionAndStopsOnlyItsSection) {
+    const auto result = readFile("%SpindleSpeed\r\n7200,\r\n%SpinstandType\r\n40000,\r\n%HeadFace\r\n"
+                                 "\"SSHEADFACE_DOWNFACE\",\r\n",
+                                 4);
+    EXPECT_EQ(result.calls, (Calls{"SetHeadFace(1)"}));
+    ASSERT_EQ(result.messages.size(), 2u);
+    EXPECT_TRUE(names(result.messages[0], "\"40000\" does not fit Integer")) << result.messages[0];
+    EXPECT_TRUE(names(result.messages[1], "in.csv, line 4, field 1")) << result.messages[1];
 }
 
 } // namespace

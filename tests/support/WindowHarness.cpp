@@ -115,6 +115,10 @@ void WindowHarness::poll() {
     if (active && active->isVisible() && next.matches(active) && !(form && form->isBusy())) {
         Step step = std::move(next);
         steps_.pop_front();
+        // A person works in the window they see on top: it has the keyboard focus, so that keys and focus
+        // changes reach its controls as they would.
+        if (QApplication::activeWindow() != active)
+            QApplication::setActiveWindow(active);
         step.run(active);
         return;
     }

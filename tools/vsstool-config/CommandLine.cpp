@@ -11,13 +11,19 @@ struct VerbDef {
     Verb verb;
     bool takesGroup;
     bool takesFile;
+    bool takesModel = false;
 };
 
 constexpr VerbDef kVerbs[] = {
-    {"export", Verb::Export, true, true},  {"import", Verb::Import, true, true},
-    {"backup", Verb::Backup, false, true}, {"restore", Verb::Restore, false, true},
-    {"diff", Verb::Diff, false, true},     {"save", Verb::Save, true, false},
+    {"export", Verb::Export, true, true},
+    {"import", Verb::Import, true, true},
+    {"backup", Verb::Backup, false, true},
+    {"restore", Verb::Restore, false, true},
+    {"diff", Verb::Diff, false, true},
+    {"save", Verb::Save, true, false},
     {"recall", Verb::Recall, true, false},
+    {"models", Verb::Models, false, false},
+    {"apply-model", Verb::ApplyModel, false, false, true},
 };
 
 std::string checkGroup(const VerbDef& verb, const std::string& group) {
@@ -48,8 +54,13 @@ ParseResult parseCommandLine(const std::vector<std::string>& args) {
         };
         if (arg == "--simulate") {
             line.simulate = true;
-        } else if (arg == "--sim-state" || arg == "--trace") {
-            if (!value(arg == "--trace" ? line.trace : line.simState))
+        } else if (arg == "--power-cycle") {
+            line.powerCycle = true;
+        } else if (arg == "--sim-state" || arg == "--trace" || arg == "--catalogue") {
+            std::string& file = arg == "--trace"       ? line.trace
+                                : arg == "--catalogue" ? line.catalogue
+                                                       : line.simState;
+            if (!value(file))
                 return {std::nullopt, arg + " needs a file name"};
         } else if (arg == "--quiet") {
             line.quiet = true;
@@ -66,11 +77,13 @@ ParseResult parseCommandLine(const std::vector<std::string>& args) {
                     verb = &v;
             if (verb == nullptr)
                 return {std::nullopt, "unknown action \"" + arg + "\""};
-            Action action{verb->verb, {}, {}};
+            Action action{verb->verb, {}, {}, {}};
             if (verb->takesGroup && !value(action.group))
                 return {std::nullopt, arg + " needs a group name"};
             if (verb->takesFile && !value(action.file))
                 return {std::nullopt, arg + " needs a file name"};
+            if (verb->takesModel && !value(action.model))
+                return {std::nullopt, arg + " needs a model name or index"};
             if (verb->takesGroup) {
                 if (std::string error = checkGroup(*verb, action.group); !error.empty())
                     return {std::nullopt, error};
@@ -93,8 +106,12 @@ std::string_view usageText() {
            "  backup FILE         append every group to FILE as one report\n"
            "  restore FILE        apply every importable group of FILE; shows the changes and asks first\n"
            "  diff FILE           show each value of FILE that differs from the instrument; changes nothing\n"
-           "  save GROUP|all      store the group in the instrument's non-volatile memory\n"
+           "  save GROUP|all      store the group in the instrument's non-volatile memory (all: every group\n"
+           "                      and the version data)\n"
            "  recall GROUP|all    reload the group from the instrument's non-volatile memory\n"
+           "  models              list the spinstand catalogue's models with their index\n"
+           "  apply-model MODEL   write the catalogue model MODEL (its name or index) to the instrument's\n"
+           "                      working settings; follow with \"save all\" to keep it\n"
            "\n"
            "groups: setting, customer, stage-config, spinstand, spindle, stage, piezo, piezo-control,\n"
            "        piezo-adjust, backlash, piezo-info (export only)\n"
@@ -102,7 +119,10 @@ std::string_view usageText() {
            "options:\n"
            "  --simulate          use the simulated instrument even where the driver is installed\n"
            "  --sim-state FILE    the simulated instrument's non-volatile memory file\n"
+           "  --power-cycle       start the simulated instrument as after switching it off and on: its working\n"
+           "                      values from its non-volatile memory\n"
            "  --trace FILE        append every driver call to FILE\n"
+           "  --catalogue FILE    the spinstand catalogue (default: VssTool.ini beside the program)\n"
            "  --quiet             print only errors, warnings and differences\n"
            "  --yes               restore without asking\n"
            "  --help              show this text\n"

@@ -9,18 +9,21 @@
 
 namespace vss::config {
 
-enum class Verb { Export, Import, Backup, Restore, Diff, Save, Recall };
+enum class Verb { Export, Import, Backup, Restore, Diff, Save, Recall, Models, ApplyModel };
 
 struct Action {
     Verb verb;
     std::string group; // export, import, save, recall: a group name ("all" for save and recall)
     std::string file;  // export, import, backup, restore, diff
+    std::string model; // apply-model: a model's name, or its index in the catalogue
 };
 
 struct CommandLine {
     bool simulate = false;
+    bool powerCycle = false; // the simulated instrument starts from its non-volatile memory
     std::string simState;
     std::string trace;
+    std::string catalogue; // the spinstand catalogue; empty: "VssTool.ini" beside the program
     bool quiet = false;
     bool yes = false;
     bool help = false;

@@ -3,11 +3,13 @@
 #include "driver/Factory.h"
 #include "storage/SettingDiff.h"
 #include "storage/modConfigFile.h"
+#include "storage/modSsDefine.h"
 
 #include <istream>
 #include <optional>
 #include <ostream>
 #include <set>
+#include <stdexcept>
 
 namespace vss::config {
 
@@ -19,8 +21,9 @@ public:
     void show(std::string_view, std::string_view) override {}
 };
 
-// The instrument's non-volatile memory groups behind each setting group.
-enum class Memory { Customer, Spinstand, SpindleProperty, StageProperty, PiezoData, Backlash };
+// The instrument's non-volatile memory groups behind each setting group. The version data (hardware revision
+// and serial number, which a catalogue model sets) belongs to no setting group: only "all" saves it.
+enum class Memory { Version, Customer, Spinstand, SpindleProperty, StageProperty, PiezoData, Backlash };
 
 struct MemoryOps {
     Memory memory;
@@ -29,15 +32,17 @@ struct MemoryOps {
     void (IDriverService::*recall)();
 };
 
+// "all" goes through the groups in the service settings window's order, then the two it does not save.
 constexpr MemoryOps kMemories[] = {
-    {Memory::Customer, "customer configuration", &IDriverService::SaveCustomerConfiguration,
-     &IDriverService::RecallCustomerConfiguration},
+    {Memory::Version, "version data", &IDriverService::SaveVersionData, &IDriverService::RecallVersionData},
     {Memory::Spinstand, "spinstand configuration", &IDriverService::SaveSpinstandConfiguration,
      &IDriverService::RecallSpinstandConfiguration},
     {Memory::SpindleProperty, "spindle property", &IDriverService::SaveSpindleProperty,
      &IDriverService::RecallSpindleProperty},
     {Memory::StageProperty, "stage property", &IDriverService::SaveStageProperty,
      &IDriverService::RecallStageProperty},
+    {Memory::Customer, "customer configuration", &IDriverService::SaveCustomerConfiguration,
+     &IDriverService::RecallCustomerConfiguration},
     {Memory::PiezoData, "piezo data", &IDriverService::SavePiezoData, &IDriverService::RecallPiezoData},
     {Memory::Backlash, "backlash compensation", &IDriverService::SaveBacklashCompensation,
      &IDriverService::RecallBacklashCompensation},
@@ -99,6 +104,12 @@ public:
         case Verb::Save:
         case Verb::Recall:
             saveOrRecall(action);
+            break;
+        case Verb::Models:
+            listModels();
+            break;
+        case Verb::ApplyModel:
+            applyModel(action.model);
             break;
         }
     }
@@ -174,11 +185,52 @@ private:
         }
     }
 
+    // The catalogue's model names as the service settings list them: up to the first empty name. The file is
+    // read once per run; a catalogue that cannot be used has been reported and lists nothing.
+    const std::vector<std::string>& modelNames() {
+        if (!catalogueRead_) {
+            catalogueRead_ = true;
+            ReadSpinstandDefinitions(line_.catalogue, sink_);
+            for (std::int16_t i = 0;; ++i) {
+                std::string name = GetSpinstandName(i);
+                if (name.empty())
+                    break;
+                modelNames_.push_back(std::move(name));
+            }
+        }
+        return modelNames_;
+    }
+
+    void listModels() {
+        const std::vector<std::string>& names = modelNames();
+        for (std::size_t i = 0; i < names.size(); ++i)
+            out_ << i << ": " << names[i] << '\n';
+    }
+
+    // A model by its name, else by its index; nothing is written when there is no such model, and the run
+    // ends there.
+    void applyModel(const std::string& model) {
+        const std::vector<std::string>& names = modelNames();
+        std::size_t index = 0;
+        while (index < names.size() && names[index] != model)
+            ++index;
+        if (index == names.size() && !model.empty() && model.size() <= 4 &&
+            model.find_first_not_of("0123456789") == std::string::npos)
+            index = std::stoul(model);
+        if (index >= names.size())
+            throw std::runtime_error("the spinstand catalogue " + line_.catalogue + " holds no model \"" +
+                                     model + "\"");
+        ApplySpinstandDefinition(static_cast<std::int16_t>(index), *h_.service, sink_);
+        note("applied model " + std::to_string(index) + " (" + names[index] + "); not saved");
+    }
+
     const CommandLine& line_;
     const DriverHandles& h_;
     std::istream& in_;
     std::ostream& out_;
     ConsoleSink& sink_;
+    bool catalogueRead_ = false;
+    std::vector<std::string> modelNames_;
 };
 
 } // namespace
@@ -209,6 +261,7 @@ int runTool(const CommandLine& line, std::istream& in, std::ostream& out, std::o
     DriverOptions options;
     options.forceSimulator = line.simulate;
     options.simStatePath = line.simState;
+    options.simPowerCycle = line.powerCycle;
     try {
         if (!line.trace.empty())
             options.trace = std::make_shared<TraceFile>(line.trace);

@@ -1,6 +1,8 @@
 // vsstool-config: backs up the settings of one instrument into setting files and restores them onto another,
 // from the command line. See usageText() for the actions.
 
+#include "driver/FileName.h"
+#include "storage/modSsDefine.h"
 #include "tools/vsstool-config/CommandLine.h"
 #include "tools/vsstool-config/ConfigTool.h"
 
@@ -9,13 +11,12 @@
 #endif
 
 #include <clocale>
+#include <filesystem>
 #include <iostream>
 #include <string>
 #include <vector>
 
 #ifdef _WIN32
-#include "driver/FileName.h"
-
 #include <windows.h>
 #include <shellapi.h>
 #endif
@@ -39,6 +40,24 @@ std::vector<std::string> arguments(int argc, char** argv) {
     return {argv + 1, argv + argc};
 }
 
+// The folder the program was started from, where the shipped spinstand catalogue lies.
+std::filesystem::path programFolder(const char* argv0) {
+    std::error_code ec;
+#ifdef _WIN32
+    std::wstring path(32768, L'\0');
+    const DWORD length = GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size()));
+    if (length > 0 && length < path.size()) {
+        path.resize(length);
+        return std::filesystem::path(path).parent_path();
+    }
+#else
+    const std::filesystem::path self = std::filesystem::read_symlink("/proc/self/exe", ec);
+    if (!ec)
+        return self.parent_path();
+#endif
+    return std::filesystem::absolute(std::filesystem::path(argv0 != nullptr ? argv0 : ""), ec).parent_path();
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -47,7 +66,7 @@ int main(int argc, char** argv) {
 #ifdef VSS_HAVE_COM
     vss::com::InstallPlatformResolver(); // the real driver where it is installed
 #endif
-    const ParseResult parsed = parseCommandLine(arguments(argc, argv));
+    ParseResult parsed = parseCommandLine(arguments(argc, argv));
     if (!parsed.line) {
         std::cerr << "vsstool-config: " << parsed.error << "\n\n" << usageText();
         return 2;
@@ -56,5 +75,8 @@ int main(int argc, char** argv) {
         std::cout << usageText();
         return 0;
     }
+    if (parsed.line->catalogue.empty())
+        parsed.line->catalogue =
+            vss::utf8FromPath(programFolder(argv[0]) / vss::pathFromUtf8(vss::kCatalogueFileName));
     return runTool(*parsed.line, std::cin, std::cout, std::cerr);
 }
