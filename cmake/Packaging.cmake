@@ -52,9 +52,8 @@ set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
 set(CPACK_PACKAGE_VENDOR "Velkor Spinstand Tool developers")
 set(CPACK_PACKAGE_CONTACT "Velkor Spinstand Tool developers <tools@velkor-spinstand.com>")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "operator, factory and service tool of the Velkor spinstand")
-# The synopsis, then the extended description, one paragraph.
+# The extended description, one paragraph, below the synopsis (the package description summary).
 string(CONCAT CPACK_DEBIAN_PACKAGE_DESCRIPTION
-       "operator, factory and service tool of the Velkor spinstand\n"
        "The desktop program for the Velkor spinstand, a hard-disk head test instrument:\n"
        "the operation check, measurement positions, factory and service settings, and\n"
        "vsstool-config, which backs up, restores and compares the instrument's settings\n"
