@@ -26,6 +26,7 @@ struct DriverOptions {
     std::string simStatePath;             // --sim-state FILE; empty: the simulator's default path
     bool simDelays = false;               // --sim-delays: realistic timing
     bool simPowerCycle = false;           // --power-cycle: working values from non-volatile memory
+    std::string simScenario;              // --sim-scenario FILE: timed inputs and faults of the simulator
     std::shared_ptr<TraceSink> trace;     // --trace FILE: every driver call, one line each
     // The instrument to simulate; when empty, one process-wide instrument made from the options above.
     std::shared_ptr<sim::SimInstrument> simulator;

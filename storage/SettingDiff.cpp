@@ -2,9 +2,12 @@
 
 #include "storage/NumberText.h"
 #include "storage/Sections.h"
+#include "storage/Messages.h"
 #include "storage/modConfigFile.h"
 
+#include <algorithm>
 #include <map>
+#include <optional>
 
 namespace vss {
 
@@ -13,7 +16,7 @@ namespace {
 std::string text(double v) { return numbertext::formatDouble(v); }
 std::string text(std::int32_t v) { return std::to_string(v); }
 std::string text(bool v) { return v ? "True" : "False"; }
-std::string text(const std::string& v) { return "\"" + v + "\""; }
+std::string text(const std::string& v) { return "\"" + printable(v) + "\""; }
 std::string text(const Variant& v) {
     switch (v.type()) {
     case Variant::Type::Int16:
@@ -113,7 +116,7 @@ public:
     void SetProperty(PropertyKind kind, std::int16_t id, const std::string& name, const Variant& value) override {
         const bool spindle = kind == PropertyKind::Spindle;
         const Variant now = spindle ? serviceOf(h_).GetSpindleProperty(id) : serviceOf(h_).GetStageProperty(id);
-        record((spindle ? "%SpindleProperty " : "%StageProperty ") + name, text(now), text(value));
+        record((spindle ? "%SpindleProperty " : "%StageProperty ") + printable(name), text(now), text(value));
     }
     void SetPiezoSerial(const std::string& serial) override {
         record("%PiezoSerial", text(serviceOf(h_).GetPiezoSerial()), text(serial));
@@ -162,6 +165,87 @@ private:
     std::map<std::string, std::size_t> index_;
 };
 
+// Checks each value against the instrument's lists and ranges as the file is read; the instrument is only read.
+class CheckTarget : public SettingTarget {
+public:
+    explicit CheckTarget(const DriverHandles& handles) : h_(handles) {}
+
+    std::vector<std::string> problems;
+
+    void SetSpeedRange(std::int32_t min, std::int32_t max) override {
+        if (min >= max)
+            refuse("%SpindleSpeedRange " + text(min) + " to " + text(max) + " rpm is reversed or empty");
+        else
+            speedRange_ = SpeedRange{min, max};
+    }
+    void SetSpindleSpeed(std::int32_t rpm) override { checkSpeed("%SpindleSpeed", rpm); }
+    void SetLoadPosition(std::int16_t which, const PositionRecord&, std::int32_t rpm) override {
+        if (rpm != -1) // -1 keeps the speed the instrument has
+            checkSpeed(which == loadposition::Load ? "%LoadPosition Load RPM" : "%LoadPosition Unload RPM", rpm);
+    }
+    void SetLoadMethod(std::int16_t method) override {
+        checkCode("%LoadMethod", method, driverOf(h_).GetLoadMethodList(), "load methods");
+    }
+    void SetSpinstandType(std::int16_t type) override {
+        checkCode("%SpinstandType", type, serviceOf(h_).GetSpinstandTypeList(), "spinstand types");
+    }
+    void SetProperty(PropertyKind kind, std::int16_t id, const std::string& name, const Variant& value) override {
+        const bool spindle = kind == PropertyKind::Spindle;
+        IDriverService& service = serviceOf(h_);
+        const Variant now = spindle ? service.GetSpindleProperty(id) : service.GetStageProperty(id);
+        const std::string item = (spindle ? "%SpindleProperty " : "%StageProperty ") + printable(name);
+        if (now.type() != value.type()) {
+            refuse(item + " " + text(value) + " is not of the instrument's type, as " + text(now) + " is");
+            return;
+        }
+        if (value.type() != Variant::Type::Int16)
+            return;
+        const NamedCodes choices =
+            spindle ? service.GetSpindlePropertyChoices(id) : service.GetStagePropertyChoices(id);
+        if (!choices.codes.empty())
+            checkCode(item, value.int16(), choices, "choices");
+    }
+
+    void SetHomeState(std::int32_t) override {}
+    void SetDataArea(double, std::int32_t, double) override {}
+    void SetDiskSizeRestriction(bool) override {}
+    void SetStopperPosition(std::int16_t, double) override {}
+    void SetStageGeometry(std::int16_t, double) override {}
+    void SetSettingUnknown(bool) override {}
+    void SetHeadFace(std::int32_t) override {}
+    void SetDiskSizeRange(double, double) override {}
+    void SetPiezoSerial(const std::string&) override {}
+    void SetPiezoCalCoef(const PiezoCalCoef&) override {}
+    void SetPiezoAdjust(std::int16_t, std::int32_t) override {}
+    void SetPiezoControlData(const PiezoControlData&) override {}
+    void SetBacklashCompensation(std::int16_t, std::int32_t) override {}
+
+private:
+    void refuse(std::string problem) { problems.push_back(std::move(problem)); }
+
+    // The file's own speed range when it has set one by now, else the instrument's.
+    void checkSpeed(const std::string& item, std::int32_t rpm) {
+        if (!speedRange_)
+            speedRange_ = serviceOf(h_).GetSpeedRange();
+        if (rpm < speedRange_->min || rpm > speedRange_->max)
+            refuse(item + " " + text(rpm) + " rpm lies outside the speed range " + text(speedRange_->min) +
+                   " to " + text(speedRange_->max) + " rpm");
+    }
+
+    void checkCode(const std::string& item, std::int16_t code, const NamedCodes& list, std::string_view what) {
+        if (std::find(list.codes.begin(), list.codes.end(), code) != list.codes.end())
+            return;
+        std::string allowed;
+        for (std::int16_t c : list.codes)
+            allowed += (allowed.empty() ? "" : ", ") + std::to_string(c);
+        refuse(item + " " + std::to_string(code) + " is not one of the instrument's " + std::string(what) + " (" +
+               allowed + ")");
+    }
+
+    const DriverHandles& h_;
+    std::optional<SpeedRange> speedRange_;
+};
+
 } // namespace
 
 GroupDifferences DiffGroup(int groupCode, const std::string& fileName, const DriverHandles& handles,
@@ -171,6 +255,17 @@ GroupDifferences DiffGroup(int groupCode, const std::string& fileName, const Dri
     DiffTarget target(handles);
     const int sections = ReadSettingFile(io, handles, groupCode, target, sink);
     return {target.differences(), sections};
+}
+
+std::vector<std::string> CheckGroups(std::span<const int> groupCodes, const std::string& fileName,
+                                     const DriverHandles& handles, MessageSink& sink) {
+    CheckTarget target(handles);
+    for (const int code : groupCodes) {
+        fileio io(sink);
+        io.setFileName(fileName);
+        ReadSettingFile(io, handles, code, target, sink);
+    }
+    return std::move(target.problems);
 }
 
 } // namespace vss

@@ -56,10 +56,12 @@ ParseResult parseCommandLine(const std::vector<std::string>& args) {
             line.simulate = true;
         } else if (arg == "--power-cycle") {
             line.powerCycle = true;
-        } else if (arg == "--sim-state" || arg == "--trace" || arg == "--catalogue") {
-            std::string& file = arg == "--trace"       ? line.trace
-                                : arg == "--catalogue" ? line.catalogue
-                                                       : line.simState;
+        } else if (arg == "--sim-state" || arg == "--sim-scenario" || arg == "--trace" ||
+                   arg == "--catalogue") {
+            std::string& file = arg == "--trace"          ? line.trace
+                                : arg == "--catalogue"    ? line.catalogue
+                                : arg == "--sim-scenario" ? line.simScenario
+                                                          : line.simState;
             if (!value(file))
                 return {std::nullopt, arg + " needs a file name"};
         } else if (arg == "--quiet") {
@@ -104,7 +106,10 @@ std::string_view usageText() {
            "  export GROUP FILE   append GROUP as a report to FILE\n"
            "  import GROUP FILE   apply the sections of FILE that GROUP takes\n"
            "  backup FILE         append every group to FILE as one report\n"
-           "  restore FILE        apply every importable group of FILE; shows the changes and asks first\n"
+           "  restore FILE        apply every importable group of FILE; checks the values and shows the\n"
+           "                      changes, asks, backs up the instrument beside FILE, then writes ranges\n"
+           "                      and limits before the values they bound; a declined or failed restore\n"
+           "                      ends the run\n"
            "  diff FILE           show each value of FILE that differs from the instrument; changes nothing\n"
            "  save GROUP|all      store the group in the instrument's non-volatile memory (all: every group\n"
            "                      and the version data)\n"
@@ -119,6 +124,8 @@ std::string_view usageText() {
            "options:\n"
            "  --simulate          use the simulated instrument even where the driver is installed\n"
            "  --sim-state FILE    the simulated instrument's non-volatile memory file\n"
+           "  --sim-scenario FILE\n"
+           "                      the simulated instrument's timed inputs and faults\n"
            "  --power-cycle       start the simulated instrument as after switching it off and on: its working\n"
            "                      values from its non-volatile memory\n"
            "  --trace FILE        append every driver call to FILE\n"
@@ -127,8 +134,10 @@ std::string_view usageText() {
            "  --yes               restore without asking\n"
            "  --help              show this text\n"
            "\n"
-           "exit status: 0 no message, 1 messages were raised,\n"
-           "             2 usage error or a file that could not be opened or written\n"
+           "exit status: 0 no message, 1 messages were raised, a value differed in a diff, or a restore was\n"
+           "             declined or failed,\n"
+           "             2 usage error, a file that could not be opened or written, or an instrument session\n"
+           "             that could not start (such as a damaged memory file of the simulated instrument)\n"
            "(a warning, such as a file that holds no section of the group, leaves the status as it is)\n";
 }
 

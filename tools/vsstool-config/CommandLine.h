@@ -22,6 +22,7 @@ struct CommandLine {
     bool simulate = false;
     bool powerCycle = false; // the simulated instrument starts from its non-volatile memory
     std::string simState;
+    std::string simScenario; // timed inputs and faults for the simulated instrument
     std::string trace;
     std::string catalogue; // the spinstand catalogue; empty: "VssTool.ini" beside the program
     bool quiet = false;

@@ -1,10 +1,14 @@
 #include "tools/vsstool-config/ConfigTool.h"
 
 #include "driver/Factory.h"
+#include "driver/FileName.h"
 #include "storage/SettingDiff.h"
 #include "storage/modConfigFile.h"
 #include "storage/modSsDefine.h"
 
+#include <chrono>
+#include <ctime>
+#include <filesystem>
 #include <istream>
 #include <optional>
 #include <ostream>
@@ -14,12 +18,6 @@
 namespace vss::config {
 
 namespace {
-
-// Discards messages: the restore shows the file's messages once, while previewing.
-class SilentSink : public MessageSink {
-public:
-    void show(std::string_view, std::string_view) override {}
-};
 
 // The instrument's non-volatile memory groups behind each setting group. The version data (hardware revision
 // and serial number, which a catalogue model sets) belongs to no setting group: only "all" saves it.
@@ -66,6 +64,44 @@ Memory memoryOf(SettingGroup group) {
     }
 }
 
+// The order in which a restore writes the groups: the ranges and limits before the values they bound. The
+// spinstand group holds the disk size range, the spindle group the speed range, the stage and customer groups
+// the geometry that bounds the load radii; the working settings (spindle speed, load positions, data area)
+// come last. The piezo group writes the adjust points as well, so the piezo adjust group is not read again.
+constexpr std::string_view kRestoreOrder[] = {"spinstand",     "spindle",  "stage",
+                                              "stage-config",  "customer", "piezo",
+                                              "piezo-control", "backlash", "setting"};
+
+std::vector<int> restoreCodes() {
+    std::vector<int> codes;
+    for (std::string_view name : kRestoreOrder)
+        codes.push_back(findGroup(name)->importCode);
+    return codes;
+}
+
+// "<stem>-before-restore-<date>-<time>.csv" beside the restored file; a second restore within the same second
+// gets "-2" and so on, so that each backup file holds only the values before its own restore.
+std::string backupBeside(const std::string& restored) {
+    const std::time_t now = std::chrono::system_clock::to_time_t(std::chrono::system_clock::now());
+    char stamp[32] = {};
+    if (const std::tm* local = std::localtime(&now))
+        std::strftime(stamp, sizeof stamp, "%Y%m%d-%H%M%S", local);
+    const std::filesystem::path file = pathFromUtf8(restored);
+    const std::string stem = utf8FromPath(file.stem()) + "-before-restore-" + stamp;
+    std::filesystem::path backup = file.parent_path() / pathFromUtf8(stem + ".csv");
+    std::error_code ec;
+    for (int n = 2; std::filesystem::exists(backup, ec); ++n)
+        backup = file.parent_path() / pathFromUtf8(stem + "-" + std::to_string(n) + ".csv");
+    return utf8FromPath(backup);
+}
+
+std::string joined(const std::vector<std::string>& names) {
+    std::string text;
+    for (const std::string& name : names)
+        text += (text.empty() ? "" : ", ") + name;
+    return text.empty() ? "nothing" : text;
+}
+
 class Runner {
 public:
     Runner(const CommandLine& line, const DriverHandles& handles, std::istream& in, std::ostream& out,
@@ -95,8 +131,12 @@ public:
                 note("backed up every group to " + action.file);
             break;
         case Verb::Diff:
-            if (const auto diffs = differences(action.file, sink_))
+            if (const auto diffs = differences(action.file, sink_)) {
                 printDifferences(*diffs);
+                differed_ = differed_ || !diffs->empty();
+            } else if (fileOk()) {
+                sink_.warning(action.file + " holds no setting section: nothing to compare");
+            }
             break;
         case Verb::Restore:
             restore(action.file);
@@ -114,14 +154,17 @@ public:
         }
     }
 
+    // A diff found values that differ.
+    bool differed() const { return differed_; }
+
 private:
     void note(const std::string& text) {
         if (!line_.quiet)
             out_ << text << '\n';
     }
 
-    // Every importable group's differences, each item once. Nothing when the file cannot be opened or holds no
-    // setting section at all (said on the error stream).
+    // Every importable group's differences, each item once. Nothing when the file cannot be opened (said on the
+    // error stream) or holds no setting section at all.
     std::optional<std::vector<SettingDifference>> differences(const std::string& file, MessageSink& sink) {
         const int fileFailures = sink_.fileFailures();
         std::vector<SettingDifference> all;
@@ -138,41 +181,91 @@ private:
                 if (seen.insert(d.item).second)
                     all.push_back(std::move(d));
         }
-        if (sections == 0) {
-            sink_.warning(file + " holds no setting section: nothing to compare");
+        if (sections == 0)
             return std::nullopt;
-        }
         return all;
     }
 
     void printDifferences(const std::vector<SettingDifference>& diffs) {
         for (const auto& d : diffs)
-            out_ << d.item << ": instrument " << d.instrument << ", file " << d.file << '\n';
+            out_ << printable(d.item) << ": instrument " << d.instrument << ", file " << d.file << '\n';
         if (diffs.empty())
             note("no value differs");
     }
 
+    // Shows the changes, checks the file's values, asks, backs the instrument up beside the file and writes the
+    // groups in the restore order. Anything short of a complete restore ends the run by throwing.
     void restore(const std::string& file) {
+        const int messages = sink_.messages();
+        const int fileFailures = sink_.fileFailures();
         const auto diffs = differences(file, sink_);
+        if (sink_.fileFailures() > fileFailures)
+            throw std::runtime_error("the restore of " + file + " did not start: the file cannot be read");
         if (!diffs)
-            return;
+            throw std::runtime_error(file + " holds no setting section: nothing was restored");
         printDifferences(*diffs);
+        // A file that does not read cleanly would be applied only in part.
+        if (sink_.messages() > messages)
+            throw std::runtime_error("the restore of " + file +
+                                     " stopped before writing anything: the file has faults (see above)");
+        const std::vector<int> codes = restoreCodes();
+        const std::vector<std::string> refused = CheckGroups(codes, file, h_, sink_);
+        for (const std::string& problem : refused)
+            sink_.error(problem + " (file " + file + ")");
+        if (!refused.empty())
+            throw std::runtime_error("the restore of " + file + " stopped before writing anything");
         if (diffs->empty())
             return;
-        if (!line_.yes) {
-            out_ << "Apply these changes to the instrument? [y/N] " << std::flush;
-            std::string answer;
-            std::getline(in_, answer);
-            if (answer.empty() || (answer[0] != 'y' && answer[0] != 'Y')) {
-                out_ << "restore cancelled; nothing was changed\n";
-                return;
-            }
-        }
-        SilentSink silent;
-        for (const GroupDef& g : settingGroups())
-            if (g.importCode != 0)
-                ImportGroup(g.importCode, file, h_, silent);
+        if (!line_.yes && !confirmed())
+            throw std::runtime_error("the restore of " + file + " was cancelled: no later action runs");
+        const std::string backup = takeBackup(file);
+        writeGroups(file, backup);
         note("restored " + file);
+    }
+
+    bool confirmed() {
+        out_ << "Apply these changes to the instrument? [y/N] " << std::flush;
+        std::string answer;
+        std::getline(in_, answer);
+        if (!answer.empty() && (answer[0] == 'y' || answer[0] == 'Y'))
+            return true;
+        out_ << "restore cancelled; nothing was changed\n";
+        return false;
+    }
+
+    // Every value as it is before the restore, so that the restore can be undone. Named even when quiet.
+    std::string takeBackup(const std::string& file) {
+        const std::string backup = backupBeside(file);
+        const int fileFailures = sink_.fileFailures();
+        ExportAllGroups(backup, h_, sink_);
+        if (sink_.fileFailures() > fileFailures)
+            throw std::runtime_error("the restore of " + file + " stopped before writing anything: the backup " +
+                                     backup + " could not be written");
+        out_ << "backup of the values before the restore: " << backup << '\n';
+        return backup;
+    }
+
+    // A refusal either ends the group (thrown) or is said and skipped (a property row): both end the restore.
+    void writeGroups(const std::string& file, const std::string& backup) {
+        std::vector<std::string> applied;
+        for (std::string_view name : kRestoreOrder) {
+            const int messages = sink_.messages();
+            std::string refusal;
+            try {
+                ImportGroup(findGroup(name)->importCode, file, h_, sink_);
+            } catch (const std::exception& e) {
+                refusal = e.what();
+            }
+            if (refusal.empty() && sink_.messages() > messages)
+                refusal = "the instrument refused a value (see above).";
+            if (!refusal.empty())
+                throw std::runtime_error(
+                    "the restore of " + file + " stopped in the group " + std::string(name) + ": " + refusal +
+                    " Applied before it: " + joined(applied) + "; the group " + std::string(name) +
+                    " may be applied in part. To go back, restore the backup with the same options: "
+                    "vsstool-config restore " + backup);
+            applied.emplace_back(name);
+        }
     }
 
     void saveOrRecall(const Action& action) {
@@ -230,6 +323,7 @@ private:
     std::ostream& out_;
     ConsoleSink& sink_;
     bool catalogueRead_ = false;
+    bool differed_ = false;
     std::vector<std::string> modelNames_;
 };
 
@@ -239,7 +333,9 @@ void ConsoleSink::showAt(std::string_view text, std::string_view title, const Fi
     ++messages_;
     if (where.fileFailed)
         ++fileFailures_;
-    err_ << "error: " << (title.empty() ? kAppTitle : title) << ": " << text;
+    // The title (the application's, or "error" for a reader's message) adds nothing to the one prefix.
+    static_cast<void>(title);
+    err_ << "error: " << text;
     if (!where.fileName.empty() || where.fileFailed) {
         err_ << " (file " << where.fileName;
         if (where.line > 0)
@@ -251,16 +347,20 @@ void ConsoleSink::showAt(std::string_view text, std::string_view title, const Fi
 
 void ConsoleSink::error(std::string_view text) {
     ++messages_;
-    err_ << "error: " << kAppTitle << ": " << text << '\n';
+    err_ << "error: " << text << '\n';
 }
 
 void ConsoleSink::warning(std::string_view text) { err_ << "warning: " << text << '\n'; }
 
-int runTool(const CommandLine& line, std::istream& in, std::ostream& out, std::ostream& err) {
+void ConsoleSink::note(std::string_view text) { err_ << "note: " << text << '\n'; }
+
+int runTool(const CommandLine& line, std::istream& in, std::ostream& out, std::ostream& err,
+            bool driverInstalled) {
     ConsoleSink sink(err);
     DriverOptions options;
     options.forceSimulator = line.simulate;
     options.simStatePath = line.simState;
+    options.simScenario = line.simScenario;
     options.simPowerCycle = line.powerCycle;
     try {
         if (!line.trace.empty())
@@ -270,6 +370,10 @@ int runTool(const CommandLine& line, std::istream& in, std::ostream& out, std::o
         return 2;
     }
 
+    if (!line.simulate && !driverInstalled)
+        sink.note("no instrument driver is installed here: using the simulated instrument");
+    // An instrument that cannot be reached runs no action: like a file that cannot be opened, exit status 2
+    // (the simulated instrument refuses to start on a damaged memory file).
     DriverHandles handles;
     try {
         auto object = CreateDriverObject(kDriverProgId, options);
@@ -278,11 +382,11 @@ int runTool(const CommandLine& line, std::istream& in, std::ostream& out, std::o
         handles.service->BeginService();
     } catch (const std::exception& e) {
         sink.error(e.what());
-        return 1;
+        return 2;
     }
 
-    // A failing action ends the run, as a failing driver call ends a window's handler; the session is
-    // closed in every case.
+    // A failing action ends the run, as a failing driver call ends a window's handler, and so does a restore
+    // that is declined or stops; the session is closed in every case.
     Runner runner(line, handles, in, out, sink);
     try {
         for (const Action& action : line.actions)
@@ -297,7 +401,7 @@ int runTool(const CommandLine& line, std::istream& in, std::ostream& out, std::o
     }
     if (sink.fileFailures() > 0)
         return 2;
-    return sink.messages() > 0 ? 1 : 0;
+    return sink.messages() > 0 || runner.differed() ? 1 : 0;
 }
 
 } // namespace vss::config

@@ -9,9 +9,7 @@
 
 namespace vss::config {
 
-inline constexpr std::string_view kAppTitle = "Velkor Spinstand Tool";
-
-// Prints every message as "error: <title>: <text>", naming the file and the field where a reader raised it.
+// Prints every message as "error: <text>", naming the file and the field where a reader raised it.
 class ConsoleSink : public PositionedMessageSink {
 public:
     explicit ConsoleSink(std::ostream& err) : err_(err) {}
@@ -20,6 +18,8 @@ public:
     void error(std::string_view text);
     // Something the user should know that is not a message of the window program; it leaves the exit code.
     void warning(std::string_view text);
+    // Tells how the tool runs (which instrument it uses); it leaves the exit code.
+    void note(std::string_view text);
 
     int messages() const { return messages_; }
     int fileFailures() const { return fileFailures_; }
@@ -30,8 +30,11 @@ private:
     int fileFailures_ = 0;
 };
 
-// Exit status: 0 when no message was raised, 1 when messages were raised, 2 for a file that could not be
-// opened or written.
-int runTool(const CommandLine& line, std::istream& in, std::ostream& out, std::ostream& err);
+// Exit status: 0 when no message was raised, 1 when messages were raised, a diff found values that differ or a
+// restore was declined or stopped, 2 for a file that could not be opened or written or an instrument session
+// that could not start. `driverInstalled`: the platform has a driver of its own; without one, and without
+// --simulate, the tool says once that it uses the simulated instrument.
+int runTool(const CommandLine& line, std::istream& in, std::ostream& out, std::ostream& err,
+            bool driverInstalled = false);
 
 } // namespace vss::config

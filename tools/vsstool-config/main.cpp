@@ -65,6 +65,9 @@ int main(int argc, char** argv) {
     std::setlocale(LC_TIME, ""); // the report header's date and time in the system's forms
 #ifdef VSS_HAVE_COM
     vss::com::InstallPlatformResolver(); // the real driver where it is installed
+    constexpr bool driverInstalled = true;
+#else
+    constexpr bool driverInstalled = false;
 #endif
     ParseResult parsed = parseCommandLine(arguments(argc, argv));
     if (!parsed.line) {
@@ -78,5 +81,5 @@ int main(int argc, char** argv) {
     if (parsed.line->catalogue.empty())
         parsed.line->catalogue =
             vss::utf8FromPath(programFolder(argv[0]) / vss::pathFromUtf8(vss::kCatalogueFileName));
-    return runTool(*parsed.line, std::cin, std::cout, std::cerr);
+    return runTool(*parsed.line, std::cin, std::cout, std::cerr, driverInstalled);
 }
