@@ -36,6 +36,10 @@ std::variant<CommandLine, int> parseCommandLine(const QStringList& arguments) {
                        "from its non-volatile memory."));
     const QCommandLineOption simDelays(QStringLiteral("sim-delays"),
                                        QStringLiteral("Give the simulated instrument realistic timing."));
+    const QCommandLineOption simScenario(
+        QStringLiteral("sim-scenario"),
+        QStringLiteral("Play the timed steps of the scenario FILE on the simulated instrument."),
+        QStringLiteral("FILE"));
     const QCommandLineOption trace(QStringLiteral("trace"),
                                    QStringLiteral("Write every driver call to FILE, one line each."),
                                    QStringLiteral("FILE"));
@@ -47,7 +51,7 @@ std::variant<CommandLine, int> parseCommandLine(const QStringList& arguments) {
         QStringLiteral("screenshots"),
         QStringLiteral("Render every window on the simulated instrument to a PNG file in DIR, then exit."),
         QStringLiteral("DIR"));
-    parser.addOptions({simulate, simState, powerCycle, simDelays, trace, catalogue, screenshots});
+    parser.addOptions({simulate, simState, powerCycle, simDelays, simScenario, trace, catalogue, screenshots});
 
     const QString usage = parser.helpText();
     if (!parser.parse(arguments)) {
@@ -75,6 +79,7 @@ std::variant<CommandLine, int> parseCommandLine(const QStringList& arguments) {
     line.driver.simStatePath = parser.value(simState).toStdString();
     line.driver.simDelays = parser.isSet(simDelays);
     line.driver.simPowerCycle = parser.isSet(powerCycle);
+    line.driver.simScenario = parser.value(simScenario).toStdString();
     line.catalogueFile = parser.value(catalogue);
     line.screenshotDir = parser.value(screenshots);
     if (parser.isSet(trace)) {

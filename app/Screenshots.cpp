@@ -12,6 +12,8 @@
 #include "controls/Gallery.h"
 #include "driver/Handles.h"
 #include "driver/sim/SimInstrument.h"
+#include "driver/sim/SimulatedInstrument.h"
+#include "simulator/frmSimPanel.h"
 #include "customer/CustomerWindows.h"
 #include "factory/FactoryWindows.h"
 #include "operation/OperationWindows.h"
@@ -69,6 +71,9 @@ std::vector<Scene> scenes() {
         {QStringLiteral("frmVersion"), versionWindow(false)},
         {QStringLiteral("frmVersion-factory"), versionWindow(true)},
         {QStringLiteral("controls"), [] { return std::unique_ptr<QWidget>(createControlsGallery(nullptr)); }},
+        {QStringLiteral("frmSimPanel"), [] {
+             return std::make_unique<frmSimPanel>(SimulatedInstrument(globals().driverOptions));
+         }},
     };
     for (ScreenshotScenes (*library)() :
          {operationScreenshots, customerScreenshots, factoryScreenshots, piezoScreenshots, serviceScreenshots}) {
@@ -143,6 +148,8 @@ int runScreenshots(const QString& dirPath, DriverOptions options) {
     options.forceSimulator = true;
     if (!options.simulator && options.simStatePath.empty())
         options.simulator = std::make_shared<sim::SimInstrument>(sim::SimOptions{":memory:"});
+    options.simScenario.clear(); // the windows are rendered as they stand, without timed steps
+    globals().driverOptions = options; // the front panel's scene shows this instrument
 
     DriverHandles& h = handles();
     bool ok = true;

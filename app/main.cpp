@@ -4,7 +4,9 @@
 #include "app/Navigation.h"
 #include "app/Screenshots.h"
 #include "app/frmTop.h"
+#include "driver/DriverError.h"
 #include "kit/modGlobal.h"
+#include "simulator/frmSimPanel.h"
 
 #include <QApplication>
 
@@ -13,6 +15,8 @@
 #endif
 
 #include <clocale>
+#include <cstdio>
+#include <memory>
 #include <variant>
 
 namespace {
@@ -56,7 +60,21 @@ int main(int argc, char* argv[]) {
     if (!line.screenshotDir.isEmpty())
         return vss::runScreenshots(line.screenshotDir, line.driver);
 
+    // On the simulated instrument its front panel stands beside the tool. A scenario is checked before anything
+    // runs, and a real driver takes none.
+    std::unique_ptr<vss::frmSimPanel> panel;
+    try {
+        panel = vss::frontPanelFor(line.driver);
+    } catch (const vss::DriverError& e) {
+        std::fprintf(stderr, "vsstool: %s\n", e.what());
+        return 2;
+    }
+
     vss::frmTop top;
     top.show();
+    if (panel) {
+        panel->move(top.frameGeometry().topRight() + QPoint(16, 0));
+        panel->show();
+    }
     return QApplication::exec();
 }

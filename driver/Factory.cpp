@@ -1,8 +1,11 @@
 #include "driver/Factory.h"
 
+#include "driver/sim/Scenario.h"
 #include "driver/sim/SimInstrument.h"
+#include "driver/sim/SimulatedInstrument.h"
 
 #include <mutex>
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -25,13 +28,43 @@ PlatformResolver& platformResolver() {
 std::shared_ptr<sim::SimInstrument> processInstrument(const DriverOptions& options) {
     static std::shared_ptr<sim::SimInstrument> instrument;
     if (!instrument) {
+        // A malformed scenario is refused before the instrument exists.
+        std::optional<sim::Scenario> scenario;
+        if (!options.simScenario.empty())
+            scenario = sim::readScenario(options.simScenario);
         sim::SimOptions simOptions;
         simOptions.statePath = options.simStatePath;
         simOptions.delays = options.simDelays;
         simOptions.powerCycle = options.simPowerCycle;
         instrument = std::make_shared<sim::SimInstrument>(simOptions);
+        if (scenario)
+            instrument->runScenario(std::move(*scenario));
     }
     return instrument;
+}
+
+// Whether the options resolve to the platform's driver. Only the simulated instrument plays scenarios.
+bool usesPlatformDriver(const DriverOptions& options) {
+    bool platform = false;
+    {
+        std::lock_guard lock(factoryMutex());
+        platform = platformResolver() && !options.forceSimulator;
+    }
+    if (platform && !options.simScenario.empty())
+        throw DriverError("The scenario " + options.simScenario +
+                          " cannot run: the program uses the instrument's driver, and only the simulated "
+                          "instrument plays scenarios (use --simulate).");
+    return platform;
+}
+
+std::shared_ptr<sim::SimInstrument> simulatorFor(const DriverOptions& options) {
+    if (!options.simulator) {
+        std::lock_guard lock(factoryMutex());
+        return processInstrument(options);
+    }
+    if (!options.simScenario.empty() && options.simulator->scenarioProgress().name.empty())
+        options.simulator->runScenario(sim::readScenario(options.simScenario));
+    return options.simulator;
 }
 
 void traceCreate(const DriverOptions& options, std::string_view progId, const std::string& outcome) {
@@ -45,7 +78,7 @@ std::shared_ptr<DriverObject> create(std::string_view progId, const DriverOption
         std::lock_guard lock(factoryMutex());
         resolver = platformResolver();
     }
-    if (resolver && !options.forceSimulator) {
+    if (usesPlatformDriver(options)) {
         // The platform has drivers of its own: what it cannot create is an error, not a simulation.
         auto object = resolver(progId);
         if (!object)
@@ -57,13 +90,8 @@ std::shared_ptr<DriverObject> create(std::string_view progId, const DriverOption
     if (progId != kDriverProgId)
         throw DriverError("Cannot create the driver object \"" + std::string(progId) +
                           "\": no driver is registered under this name.");
-    std::shared_ptr<sim::SimInstrument> instrument = options.simulator;
-    if (!instrument) {
-        std::lock_guard lock(factoryMutex());
-        instrument = processInstrument(options);
-    }
     made = "simulator";
-    return instrument->createObject();
+    return simulatorFor(options)->createObject();
 }
 
 } // namespace
@@ -79,6 +107,12 @@ std::shared_ptr<DriverObject> CreateDriverObject(std::string_view progId, const 
     }
     traceCreate(options, progId, "-> " + made);
     return options.trace ? WithTrace(std::move(object), options.trace) : object;
+}
+
+std::shared_ptr<sim::SimInstrument> SimulatedInstrument(const DriverOptions& options) {
+    if (usesPlatformDriver(options))
+        return nullptr;
+    return simulatorFor(options);
 }
 
 void SetPlatformResolver(PlatformResolver resolver) {

@@ -210,6 +210,10 @@ void Form::closeWindowsAbove() {
 
 int Form::execModal(Form& target) {
     const WaitCursorLift lift;
+    // Modal to the windows it was opened from, not to the whole application: a window outside that chain (the
+    // simulated instrument's front panel) stays usable.
+    if (target.parentWidget())
+        target.setWindowModality(Qt::WindowModal);
     return target.exec();
 }
 

@@ -18,11 +18,14 @@ MessageHandler& currentHandler() {
 
 void showMessageBox(const std::string& text, const std::string& title) {
     QWidget* parent = QApplication::activeModalWidget();
+    const bool aboveModal = parent != nullptr;
     if (!parent)
         parent = QApplication::activeWindow();
     QMessageBox box(QMessageBox::NoIcon, QString::fromStdString(title), QString::fromStdString(text),
                     QMessageBox::Ok, parent);
     box.setTextFormat(Qt::PlainText); // a text from a file or the instrument is shown as it stands
+    if (aboveModal) // blocks the chain of modal windows it belongs to, like the window it stands on
+        box.setWindowModality(Qt::WindowModal);
     box.exec();
 }
 

@@ -18,6 +18,8 @@ dlgConfigFile::Chooser& currentChooser() {
 std::optional<std::string> systemChooser(const FileDialogRequest& request) {
     QWidget* parent = QApplication::activeModalWidget();
     QFileDialog dialog(parent, QString::fromStdString(request.title));
+    if (parent) // blocks the chain of modal windows it belongs to, like the window it stands on
+        dialog.setWindowModality(Qt::WindowModal);
     dialog.setNameFilters(qtFileFilter(request.filter).split(QStringLiteral(";;")));
     dialog.setFileMode(QFileDialog::AnyFile);
     dialog.setAcceptMode(request.save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);

@@ -125,6 +125,13 @@ void Instrument::failOperation(std::string_view operation, std::string descripti
         failures_[std::string(operation)] = {std::move(description), times};
 }
 
+std::vector<InjectedFailure> Instrument::failures() const {
+    std::vector<InjectedFailure> list;
+    for (const auto& [operation, f] : failures_)
+        list.push_back({operation, f.description, f.remaining});
+    return list;
+}
+
 void Instrument::setInput(Input input, bool value) {
     inputs_[at(input)] = value;
     if (input == Input::Emergency && value) {
@@ -618,6 +625,12 @@ void Instrument::recall(Group g) {
     copyGroup(g, nonVolatile_, working);
     measurement.spindleSpeed =
         std::clamp(measurement.spindleSpeed, working.spindle.speedRange.min, working.spindle.speedRange.max);
+}
+
+void Instrument::resetNonVolatile() {
+    for (const Group g : kGroups)
+        nonVolatile_ = file_.saveGroup(g, Settings::factory(), nonVolatile_);
+    memoryDamage_.clear();
 }
 
 } // namespace vss::sim

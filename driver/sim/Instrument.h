@@ -16,6 +16,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace vss::sim {
 
@@ -51,7 +52,11 @@ public:
     bool input(Input input) const { return inputs_[static_cast<std::size_t>(input)]; }
     void failOperation(std::string_view operation, std::string description, int times);
     void clearFailures() { failures_.clear(); }
+    std::vector<InjectedFailure> failures() const;
     void setDelays(bool on) { delays_ = on; }
+    bool delays() const { return delays_; }
+    // Writes the factory values over every group of non-volatile memory; the working values stay.
+    void resetNonVolatile();
     void setHeadLoaderPresent(bool present) { headLoaderPresent_ = present; }
     bool headLoaderPresent() const { return headLoaderPresent_; }
     const std::shared_ptr<TraceBuffer>& trace() const { return trace_; }

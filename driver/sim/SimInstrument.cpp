@@ -1,10 +1,14 @@
 #include "driver/sim/SimInstrument.h"
 
 #include "driver/FileName.h"
+#include "driver/sim/Instrument.h"
+#include "driver/sim/Scenario.h"
 #include "driver/sim/SimInterfaces.h"
 
 #include <cstdlib>
 #include <filesystem>
+#include <mutex>
+#include <optional>
 #include <stdexcept>
 
 namespace vss::sim {
@@ -29,10 +33,65 @@ private:
     InstrumentPtr instrument_;
 };
 
+// The scenario that runs on an instrument. Driver objects keep it as they keep the instrument: a session may
+// outlive the SimInstrument it was created on.
+class ScenarioPlayer {
+public:
+    explicit ScenarioPlayer(InstrumentPtr instrument) : instrument_(std::move(instrument)) {}
+
+    void run(Scenario scenario) {
+        const std::lock_guard lock(mutex_);
+        run_.emplace(std::move(scenario), ScenarioClock::now());
+    }
+
+    // Applies the steps due now through the instrument's own controls; `calling` is the operation about to run.
+    void advance(std::string_view calling = {}) {
+        std::vector<ScenarioStep> steps;
+        {
+            const std::lock_guard lock(mutex_);
+            if (!run_)
+                return;
+            steps = run_->due(ScenarioClock::now(), calling);
+        }
+        for (const ScenarioStep& step : steps)
+            apply(step);
+    }
+
+    SimInstrument::ScenarioProgress progress() const {
+        const std::lock_guard lock(mutex_);
+        if (!run_)
+            return {};
+        return {run_->name(), run_->stepsDone(), run_->stepCount()};
+    }
+
+private:
+    void apply(const ScenarioStep& step) {
+        switch (step.action) {
+        case ScenarioStep::Action::SetInput:
+            instrument_->setInput(step.input, step.value);
+            return;
+        case ScenarioStep::Action::Fail:
+            instrument_->failOperation(step.operation, step.text, step.times);
+            return;
+        case ScenarioStep::Action::Clear:
+            instrument_->failOperation(step.operation, {}, 0);
+            return;
+        case ScenarioStep::Action::ClearAll:
+            instrument_->clearFailures();
+            return;
+        }
+    }
+
+    InstrumentPtr instrument_;
+    mutable std::mutex mutex_;
+    std::optional<ScenarioRun> run_;
+};
+
 } // namespace
 
 struct SimInstrument::Impl {
     InstrumentPtr instrument;
+    std::shared_ptr<ScenarioPlayer> scenario = std::make_shared<ScenarioPlayer>(instrument);
 };
 
 SimInstrument::SimInstrument(SimOptions options)
@@ -42,8 +101,12 @@ SimInstrument::~SimInstrument() = default;
 
 std::shared_ptr<DriverObject> SimInstrument::createObject() {
     InstrumentPtr instrument = impl_->instrument;
+    std::shared_ptr<ScenarioPlayer> scenario = impl_->scenario;
     return WithTrace(std::make_shared<SimObject>(instrument), instrument->trace(),
-                     [instrument](std::string_view operation) { instrument->gate(operation); });
+                     [instrument, scenario](std::string_view operation) {
+                         scenario->advance(operation); // a step armed by this call applies to it already
+                         instrument->gate(operation);
+                     });
 }
 
 void SimInstrument::setInput(Input input, bool value) { impl_->instrument->setInput(input, value); }
@@ -57,7 +120,55 @@ void SimInstrument::failOperation(std::string_view operation, std::string descri
 }
 
 void SimInstrument::clearFailures() { impl_->instrument->clearFailures(); }
+std::vector<InjectedFailure> SimInstrument::failures() const { return impl_->instrument->failures(); }
 void SimInstrument::setDelays(bool on) { impl_->instrument->setDelays(on); }
+bool SimInstrument::delays() const { return impl_->instrument->delays(); }
+void SimInstrument::resetNonVolatileMemory() { impl_->instrument->resetNonVolatile(); }
+void SimInstrument::runScenario(Scenario scenario) { impl_->scenario->run(std::move(scenario)); }
+void SimInstrument::advanceScenario() { impl_->scenario->advance(); }
+SimInstrument::ScenarioProgress SimInstrument::scenarioProgress() const { return impl_->scenario->progress(); }
+
+PanelReadout SimInstrument::readout() const {
+    const Instrument& i = *impl_->instrument;
+    const HeadPosition where = i.position();
+    PanelReadout r;
+    r.stateCode = i.stateCode();
+    r.stateText = stateName(r.stateCode);
+    r.spindleState = i.spindleState();
+    r.clamp = i.hw.clamp;
+    r.headsDown = i.hw.headsDown;
+    r.headLoaderPresent = i.headLoaderPresent();
+    r.radius = where.radius;
+    r.skew = where.skew;
+    return r;
+}
+
+std::string stateName(std::int32_t code) {
+    switch (code) {
+    case state::Closed:
+        return "CLOSED";
+    case state::Open:
+        return "OPEN";
+    case state::Uninitialized:
+        return "UNINITIALIZED";
+    case state::Initialized:
+        return "INITIALIZED";
+    case state::AtHome:
+        return "HOME";
+    case state::HomeOff:
+        return "HOME OFF";
+    case state::HomeStandby:
+        return "HOME STANDBY";
+    case state::HomeRun:
+        return "HOME RUN";
+    case state::Loaded:
+        return "LOADED";
+    case state::Other:
+        return "OTHER";
+    default:
+        return "UNKNOWN";
+    }
+}
 void SimInstrument::setHeadLoaderPresent(bool present) { impl_->instrument->setHeadLoaderPresent(present); }
 TraceBuffer& SimInstrument::trace() { return *impl_->instrument->trace(); }
 

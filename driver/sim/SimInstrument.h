@@ -38,6 +38,30 @@ enum class Input {
     StopperDownSensor,
 };
 
+// A failure set on an operation: its text and how many calls it has left (< 0: until cleared).
+struct InjectedFailure {
+    std::string operation;
+    std::string description;
+    int remaining = 0;
+};
+
+// What the instrument's front panel shows, read without a driver call.
+struct PanelReadout {
+    std::int32_t stateCode = 0;
+    std::string stateText;
+    std::int32_t spindleState = 0;
+    bool clamp = false;
+    bool headsDown = false;
+    bool headLoaderPresent = true;
+    double radius = 0.0; // m
+    double skew = 0.0;   // degrees
+};
+
+// The state code's name as the instrument's display gives it ("HOME RUN").
+std::string stateName(std::int32_t code);
+
+struct Scenario;
+
 class SimInstrument {
 public:
     explicit SimInstrument(SimOptions options = {});
@@ -58,8 +82,29 @@ public:
     void failOperation(std::string_view operation, std::string description, int times = 1);
     void clearFailures();
 
+    std::vector<InjectedFailure> failures() const;
+
     void setDelays(bool on);
+    bool delays() const;
     void setHeadLoaderPresent(bool present);
+
+    PanelReadout readout() const;
+
+    // Writes the factory values over the non-volatile memory (and its file); the working values stay as they
+    // are until a Recall. Throws DriverError when the memory file cannot be written or is damaged.
+    void resetNonVolatileMemory();
+
+    // Scenarios. A scenario replaces the one running; its timed steps are applied when a driver call passes
+    // the instrument's gate and whenever advanceScenario() is called (the front panel does on its timer).
+    void runScenario(Scenario scenario);
+    void advanceScenario();
+    // The running scenario's name and progress; name empty when none has been loaded.
+    struct ScenarioProgress {
+        std::string name;
+        std::size_t done = 0;
+        std::size_t total = 0;
+    };
+    ScenarioProgress scenarioProgress() const;
 
     // Every call made on this instrument's driver objects, in the trace format.
     TraceBuffer& trace();
