@@ -4,7 +4,7 @@
 // the page's time over the bare dialog's; the budget is 1.5. "widgets" counts the page's widgets, the
 // caption, text box, list and check box inside each property row included.
 
-#include "bench/operation/SimSession.h"
+#include "bench/support/SimSession.h"
 #include "factory/frmBacklashCompen.h"
 #include "factory/frmFacSpinstand.h"
 #include "factory/frmFacSpinstandSpindle.h"

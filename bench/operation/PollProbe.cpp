@@ -1,66 +1,9 @@
-// Polls for a while and prints the process's CPU time spent polling: either the operation panel on the
-// simulated instrument ("panel") or a bare dialog with a 200 ms timer that does nothing ("bare"). The script
-// poll_cpu.sh runs both side by side and compares them.
-//
-//   operation_poll_probe panel|bare [seconds]
+// The CPU of the operation panel while it polls the simulated instrument, for bench/poll_cpu.sh.
 
-#include "bench/operation/SimSession.h"
 #include "operation/frmIni.h"
-
-#include <QApplication>
-#include <QDialog>
-#include <QTimer>
-#include <cstdio>
-#include <cstring>
-#include <ctime>
-#include <memory>
-#include <optional>
-
-namespace {
-
-double cpuSeconds() {
-    return static_cast<double>(std::clock()) / CLOCKS_PER_SEC;
-}
-
-} // namespace
+#include "bench/support/PollProbe.h"
 
 int main(int argc, char** argv) {
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-    const bool panelMode = argc > 1 && std::strcmp(argv[1], "panel") == 0;
-    const bool bareMode = argc > 1 && std::strcmp(argv[1], "bare") == 0;
-    const int seconds = argc > 2 ? std::atoi(argv[2]) : 60;
-    if ((!panelMode && !bareMode) || seconds <= 0) {
-        std::fprintf(stderr, "usage: operation_poll_probe panel|bare [seconds]\n");
-        return 2;
-    }
-    QApplication app(argc, argv);
-
-    std::optional<vss::bench::SimSession> session;
-    std::unique_ptr<QDialog> window;
-    QTimer bareTimer;
-    if (panelMode) {
-        session.emplace();
-        window = std::make_unique<vss::frmIni>();
-    } else {
-        window = std::make_unique<QDialog>();
-        bareTimer.setInterval(vss::frmIni::kPollMs);
-        QObject::connect(&bareTimer, &QTimer::timeout, [] {});
-        bareTimer.start();
-    }
-    window->show();
-
-    // The first second settles the window (first paint, first texts); the steady polling is measured after
-    // it, up to the quit: closing the window is not polling.
-    double start = 0.0;
-    double end = 0.0;
-    QTimer::singleShot(1000, &app, [&start] { start = cpuSeconds(); });
-    QTimer::singleShot(1000 + seconds * 1000, &app, [&end] {
-        end = cpuSeconds();
-        QCoreApplication::quit();
-    });
-    app.exec();
-    std::printf("%s cpu_seconds=%.4f over %d s\n", panelMode ? "panel" : "bare", end - start, seconds);
-    window.reset();
-    return 0;
+    return vss::bench::runPollProbe(argc, argv, vss::frmIni::kPollMs,
+                                    [] { return std::make_unique<vss::frmIni>(); });
 }

@@ -1,7 +1,7 @@
 // One tick of the operation panel's polling timer on the simulated instrument without its delays: the
 // interlock read, then the interlock, emergency and outer-cover inputs into the panel. Budget: 50 us.
 
-#include "bench/operation/SimSession.h"
+#include "bench/support/SimSession.h"
 #include "operation/frmIni.h"
 
 #include <QApplication>

@@ -1,7 +1,7 @@
 // One tick of the piezo adjust window's timer on the simulated instrument without its delays: the balance
 // read and the status text. Budget: 50 us.
 
-#include "bench/operation/SimSession.h"
+#include "bench/support/SimSession.h"
 #include "kit/modGlobal.h"
 #include "piezo/frmPiezoAdjust.h"
 

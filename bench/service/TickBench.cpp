@@ -1,7 +1,7 @@
 // One tick of the service panel's status timer on the simulated instrument without its delays: the nine reads
 // of the spindle state, the inputs, the stage sensors and the region into the panel. Budget: 50 us.
 
-#include "bench/operation/SimSession.h"
+#include "bench/support/SimSession.h"
 #include "service/frmSer.h"
 
 #include <QApplication>

@@ -1,7 +1,7 @@
 #pragma once
 
 // An instrument session on an in-memory simulated instrument, with the process-wide handles filled the way
-// "Open" fills them, for the operation panel's benchmarks.
+// "Open" fills them, for the windows' benchmarks.
 
 #include "kit/modGlobal.h"
 #include "driver/Handles.h"
