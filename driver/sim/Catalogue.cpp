@@ -117,7 +117,9 @@ std::vector<Variant> PropertyFamily::factoryValues() const {
 
 // The spindle of a new instrument: a clockwise 8-pole sensorless drive, locked to a 10 kHz internal reference.
 const PropertyFamily& spindleProperties() {
-    static const PropertyFamily family{
+    // Never destroyed: the process-wide instrument writes its working values as it is destroyed at exit,
+    // after a function's static object would be.
+    static const PropertyFamily& family = *new PropertyFamily{
         "Spindle property",
         {
             coded("Rotation", kRotation, 0),
@@ -139,7 +141,9 @@ const PropertyFamily& spindleProperties() {
 }
 
 const PropertyFamily& stageProperties() {
-    static const PropertyFamily family{
+    // Never destroyed: the process-wide instrument writes its working values as it is destroyed at exit,
+    // after a function's static object would be.
+    static const PropertyFamily& family = *new PropertyFamily{
         "Stage property",
         {
             coded("GearInvert", {{"Normal", "Inverted"}, {0, 1}}, 0),
@@ -160,7 +164,9 @@ const PropertyFamily& stageProperties() {
 
 // What the spindle driver board reports about itself; it is fitted at the factory and never written.
 const PropertyFamily& spindleDriverItems() {
-    static const PropertyFamily family{
+    // Never destroyed: the process-wide instrument writes its working values as it is destroyed at exit,
+    // after a function's static object would be.
+    static const PropertyFamily& family = *new PropertyFamily{
         "Spindle driver item",
         {coded("Rotation", kRotation, 0), coded("Type", kDriverType, 0)},
     };
