@@ -1,5 +1,7 @@
 # Cross-compiling for 64-bit Windows with Debian's mingw-w64 (POSIX threads variant), tests run under Wine.
-#   cmake -S . -B build/mingw -G Ninja -DCMAKE_TOOLCHAIN_FILE=cmake/mingw-w64-x86_64.cmake -DVSS_GUI=OFF
+#   cmake -S . -B build/mingw -G Ninja -DCMAKE_TOOLCHAIN_FILE=cmake/mingw-w64-x86_64.cmake \
+#         -DCMAKE_PREFIX_PATH="$(tools/qt-mingw)"        (the windows: Qt built for Windows by tools/qt-mingw)
+#   cmake ... -DVSS_GUI=OFF -DVSS_TESTS=OFF -DVSS_COM_TESTS=ON   (no Qt: the COM code, the console tool, their tests)
 set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_SYSTEM_PROCESSOR x86_64)
 
@@ -12,6 +14,13 @@ set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
+# A Qt for Windows named on CMAKE_PREFIX_PATH is a root of its own; its moc, rcc and uic come from the host's Qt
+# of the same version.
+list(APPEND CMAKE_FIND_ROOT_PATH ${CMAKE_PREFIX_PATH})
+if(NOT QT_HOST_PATH)
+    set(QT_HOST_PATH /usr)
+    set(QT_HOST_PATH_CMAKE_DIR /usr/lib/x86_64-linux-gnu/cmake)
+endif()
 
 # Static runtime: without it every program and DLL needs libstdc++, libgcc and winpthread DLLs beside it.
 set(CMAKE_EXE_LINKER_FLAGS_INIT "-static")
