@@ -4,50 +4,16 @@
 
 namespace vss::operation {
 
-std::string_view stateText(std::int32_t code) {
-    switch (code) {
-    case state::Closed:
-        return "CLOSED";
-    case state::Open:
-        return "OPEN";
-    case state::Uninitialized:
-        return "UNINITIALIZED";
-    case state::Initialized:
-        return "INITIALIZED";
-    case state::AtHome:
-        return "AT HOME";
-    case state::HomeOff:
-        return "HOME(OFF)";
-    case state::HomeStandby:
-        return "HOME(STANDBY)";
-    case state::HomeRun:
-        return "HOME(RUN)";
-    case state::Loaded:
-        return "LOADED";
-    default:
-        return "OTHER";
-    }
-}
-
 bool positionButtonsEnabled(std::int32_t stateCode) {
     return stateCode == state::Loaded;
 }
 
 SpindleStateTexts spindleStateTexts(std::int32_t code) {
-    switch (static_cast<std::int16_t>(code)) {
-    case spindlestate::Off:
-        return {"OFF", "Yes"};
-    case spindlestate::Standby:
-        return {"STANDBY", "No"};
-    case spindlestate::Run:
-        return {"RUN", "No"};
-    case spindlestate::Unlock:
-        return {"UNLOCK", "No"};
-    case spindlestate::Unknown:
-        return {"UNKNOWN", "No"};
-    default:
+    const std::int16_t shown = static_cast<std::int16_t>(code);
+    const std::string_view state = spindleStateText(shown);
+    if (state.empty())
         return {"", ""};
-    }
+    return {state, shown == spindlestate::Off ? "Yes" : "No"};
 }
 
 std::int16_t indexOfSpeed(std::span<const std::int32_t> list, std::int32_t speed) {

@@ -3,6 +3,7 @@
 // The operation panel's rules that do not need a window: state texts, which buttons the state enables, the
 // spindle speed stepping through the speed list, and the default radii of the three free positions.
 
+#include "driver/StateText.h"
 #include "driver/Types.h"
 
 #include <cstdint>
@@ -12,7 +13,7 @@
 namespace vss::operation {
 
 // Text of an instrument state code; 0x2240 and every unknown code read "OTHER".
-std::string_view stateText(std::int32_t code);
+using vss::stateText;
 
 // The five position buttons (Inner, Outer, Pos1-Pos3) are usable only with the heads loaded.
 bool positionButtonsEnabled(std::int32_t stateCode);

@@ -1,6 +1,7 @@
 #include "service/frmSer.h"
 
 #include "driver/DriverError.h"
+#include "driver/StateText.h"
 #include "kit/FormBuild.h"
 #include "kit/Messages.h"
 #include "kit/Navigation.h"
@@ -51,24 +52,6 @@ QLineEdit* labelledBox(QWidget* frame, const char* labelName, const char* captio
     QLineEdit* box = newTextBox(frame, objectName, boxLeft, top, boxWidth, 300, true);
     label->setBuddy(box);
     return box;
-}
-
-// The text of a spindle state code; empty for a code the instrument does not define.
-QString spindleStateText(std::int32_t code) {
-    switch (code) {
-    case spindlestate::Off:
-        return QStringLiteral("OFF");
-    case spindlestate::Standby:
-        return QStringLiteral("STANDBY");
-    case spindlestate::Run:
-        return QStringLiteral("RUN");
-    case spindlestate::Unlock:
-        return QStringLiteral("UNLOCK");
-    case spindlestate::Unknown:
-        return QStringLiteral("UNKNOWN");
-    default:
-        return {};
-    }
 }
 
 } // namespace
@@ -317,7 +300,7 @@ void frmSer::onPoll() {
         return;
     IDriverService& service = *handles().service;
     const auto state = tryRead([&] { return service.GetSpindleState(); });
-    showText(txtSpindleState_, state ? spindleStateText(*state) : QString());
+    showText(txtSpindleState_, state ? QString::fromLatin1(spindleStateText(*state)) : QString());
     showText(txtEmergency_, flagText(tryRead([&] { return service.GetEmergency(); }), "Emergency", "Normal"));
     showText(txtOuterCover_, flagText(tryRead([&] { return service.GetOuterCover(); }), "Open", "Close"));
     showText(txtVacuum_, flagText(tryRead([&] { return service.GetVacuum(); }), "ON", "OFF"));

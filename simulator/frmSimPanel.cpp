@@ -1,6 +1,7 @@
 #include "simulator/frmSimPanel.h"
 
 #include "driver/DriverError.h"
+#include "driver/StateText.h"
 #include "driver/Types.h"
 #include "driver/sim/Scenario.h"
 #include "driver/sim/SimulatedInstrument.h"
@@ -54,21 +55,6 @@ QLineEdit* readout(QGroupBox* frame, const char* name, const char* labelName, co
     QLineEdit* box = newTextBox(frame, name, left, top, 1860, kRow, true);
     box->setFocusPolicy(Qt::TabFocus); // read, not edited: reached with the keyboard only
     return captioned(frame, labelName, caption, box);
-}
-
-QString spindleName(std::int32_t code) {
-    switch (code) {
-    case spindlestate::Off:
-        return QStringLiteral("OFF");
-    case spindlestate::Standby:
-        return QStringLiteral("STANDBY");
-    case spindlestate::Run:
-        return QStringLiteral("RUN");
-    case spindlestate::Unlock:
-        return QStringLiteral("UNLOCK");
-    default:
-        return QStringLiteral("UNKNOWN");
-    }
 }
 
 QString failureLine(const sim::InjectedFailure& f) {
@@ -209,7 +195,7 @@ void frmSimPanel::refresh() {
     showText(txtState_, QStringLiteral("0x%1 %2").arg(
                             QString::number(r.stateCode, 16).toUpper().rightJustified(4, QLatin1Char('0')),
                             QString::fromStdString(r.stateText)));
-    showText(txtSpindle_, spindleName(r.spindleState));
+    showText(txtSpindle_, QString::fromLatin1(spindleStateText(r.spindleState)));
     showText(txtClamp_, r.clamp ? QStringLiteral("ON") : QStringLiteral("OFF"));
     showText(txtHeadLoader_, !r.headLoaderPresent ? QStringLiteral("NOT INSTALLED")
                              : r.headsDown        ? QStringLiteral("DOWN")

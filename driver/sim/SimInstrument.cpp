@@ -1,6 +1,7 @@
 #include "driver/sim/SimInstrument.h"
 
 #include "driver/FileName.h"
+#include "driver/StateText.h"
 #include "driver/sim/Instrument.h"
 #include "driver/sim/Scenario.h"
 #include "driver/sim/SimInterfaces.h"
@@ -133,7 +134,7 @@ PanelReadout SimInstrument::readout() const {
     const HeadPosition where = i.position();
     PanelReadout r;
     r.stateCode = i.stateCode();
-    r.stateText = stateName(r.stateCode);
+    r.stateText = std::string(stateText(r.stateCode));
     r.spindleState = i.spindleState();
     r.clamp = i.hw.clamp;
     r.headsDown = i.hw.headsDown;
@@ -143,32 +144,6 @@ PanelReadout SimInstrument::readout() const {
     return r;
 }
 
-std::string stateName(std::int32_t code) {
-    switch (code) {
-    case state::Closed:
-        return "CLOSED";
-    case state::Open:
-        return "OPEN";
-    case state::Uninitialized:
-        return "UNINITIALIZED";
-    case state::Initialized:
-        return "INITIALIZED";
-    case state::AtHome:
-        return "HOME";
-    case state::HomeOff:
-        return "HOME OFF";
-    case state::HomeStandby:
-        return "HOME STANDBY";
-    case state::HomeRun:
-        return "HOME RUN";
-    case state::Loaded:
-        return "LOADED";
-    case state::Other:
-        return "OTHER";
-    default:
-        return "UNKNOWN";
-    }
-}
 void SimInstrument::setHeadLoaderPresent(bool present) { impl_->instrument->setHeadLoaderPresent(present); }
 TraceBuffer& SimInstrument::trace() { return *impl_->instrument->trace(); }
 

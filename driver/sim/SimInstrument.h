@@ -57,8 +57,6 @@ struct PanelReadout {
     double skew = 0.0;   // degrees
 };
 
-// The state code's name as the instrument's display gives it ("HOME RUN").
-std::string stateName(std::int32_t code);
 
 struct Scenario;
 

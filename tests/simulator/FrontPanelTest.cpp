@@ -128,7 +128,7 @@ TEST(FrontPanel, AFailureSetOnThePanelReachesTheCallingWindowsMessagesAsOftenAsA
             // The panel follows what the tool did to the instrument.
             EXPECT_TRUE(QTest::qWaitFor([&] { return panel.text("txtSpindle") == "RUN"; }, 1000));
             EXPECT_EQ(panel.text("txtClamp"), "ON");
-            EXPECT_EQ(panel.text("txtState"), "0x2214 HOME RUN");
+            EXPECT_EQ(panel.text("txtState"), "0x2214 HOME(RUN)");
         });
     }
 }
