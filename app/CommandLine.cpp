@@ -40,6 +40,9 @@ std::variant<CommandLine, int> parseCommandLine(const QStringList& arguments) {
         QStringLiteral("sim-scenario"),
         QStringLiteral("Play the timed steps of the scenario FILE on the simulated instrument."),
         QStringLiteral("FILE"));
+    const QCommandLineOption oneBasedLists(
+        QStringLiteral("sim-one-based-lists"),
+        QStringLiteral("Number the simulated instrument's lists from 1, as some drivers do."));
     const QCommandLineOption trace(QStringLiteral("trace"),
                                    QStringLiteral("Write every driver call to FILE, one line each."),
                                    QStringLiteral("FILE"));
@@ -51,7 +54,8 @@ std::variant<CommandLine, int> parseCommandLine(const QStringList& arguments) {
         QStringLiteral("screenshots"),
         QStringLiteral("Render every window on the simulated instrument to a PNG file in DIR, then exit."),
         QStringLiteral("DIR"));
-    parser.addOptions({simulate, simState, powerCycle, simDelays, simScenario, trace, catalogue, screenshots});
+    parser.addOptions(
+        {simulate, simState, powerCycle, simDelays, simScenario, oneBasedLists, trace, catalogue, screenshots});
 
     const QString usage = parser.helpText();
     if (!parser.parse(arguments)) {
@@ -80,6 +84,7 @@ std::variant<CommandLine, int> parseCommandLine(const QStringList& arguments) {
     line.driver.simDelays = parser.isSet(simDelays);
     line.driver.simPowerCycle = parser.isSet(powerCycle);
     line.driver.simScenario = parser.value(simScenario).toStdString();
+    line.driver.simOneBasedLists = parser.isSet(oneBasedLists);
     line.catalogueFile = parser.value(catalogue);
     line.screenshotDir = parser.value(screenshots);
     if (parser.isSet(trace)) {

@@ -36,6 +36,7 @@ std::shared_ptr<sim::SimInstrument> processInstrument(const DriverOptions& optio
         simOptions.statePath = options.simStatePath;
         simOptions.delays = options.simDelays;
         simOptions.powerCycle = options.simPowerCycle;
+        simOptions.listLower = options.simOneBasedLists ? 1 : 0;
         instrument = std::make_shared<sim::SimInstrument>(simOptions);
         if (scenario)
             instrument->runScenario(std::move(*scenario));

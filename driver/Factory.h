@@ -27,6 +27,7 @@ struct DriverOptions {
     bool simDelays = false;               // --sim-delays: realistic timing
     bool simPowerCycle = false;           // --power-cycle: working values from non-volatile memory
     std::string simScenario;              // --sim-scenario FILE: timed inputs and faults of the simulator
+    bool simOneBasedLists = false;        // --sim-one-based-lists: the simulator numbers its lists from 1
     std::shared_ptr<TraceSink> trace;     // --trace FILE: every driver call, one line each
     // The instrument to simulate; when empty, one process-wide instrument made from the options above.
     std::shared_ptr<sim::SimInstrument> simulator;

@@ -331,10 +331,10 @@ public:
     virtual std::string GetPiezoSerial() = 0;
     virtual void SetPiezoLoop(bool closed) = 0;
     virtual bool GetPiezoLoop() = 0;
-    virtual std::vector<std::string> GetPiezoAdjustList() = 0; // one name per adjust point
+    virtual NameList GetPiezoAdjustList() = 0; // one name per adjust point, with its index
     virtual void SetPiezoAdjust(std::int16_t index, std::int32_t dac) = 0;
     virtual std::int32_t GetPiezoAdjust(std::int16_t index) = 0;
-    virtual std::vector<std::string> GetPiezoCalCoefNames() = 0;
+    virtual NameList GetPiezoCalCoefNames() = 0;
     virtual void SetPiezoCalCoef(const PiezoCalCoef& coef) = 0;
     virtual PiezoCalCoef GetPiezoCalCoef() = 0;
     virtual PiezoCalData GetPiezoCalData() = 0;
@@ -347,7 +347,7 @@ public:
     virtual NamedCodes GetStagePropertyChoices(std::int16_t id) = 0;
     virtual void SetStageProperty(std::int16_t index, const Variant& value) = 0;
     virtual Variant GetStageProperty(std::int16_t id) = 0;
-    virtual std::vector<std::string> GetBacklashCompensationList() = 0; // one name per entry
+    virtual NameList GetBacklashCompensationList() = 0; // one name per entry, with its index
     virtual std::int32_t GetBacklashCompensation(std::int16_t index) = 0;
     virtual void SetBacklashCompensation(std::int16_t index, std::int32_t value) = 0;
     virtual std::string GetBacklashDate() = 0;

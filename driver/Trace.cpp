@@ -131,6 +131,7 @@ std::string fmt(const LoadPosition& p);
 std::string fmt(const SpeedRange& r);
 std::string fmt(const DoubleRange& r);
 std::string fmt(const NamedCodes& c);
+std::string fmt(const NameList& l);
 std::string fmt(const PropertyList& p);
 std::string fmt(const StagePositionFlags& f);
 std::string fmt(const StopperSensors& s);
@@ -151,7 +152,17 @@ std::string fmt(const LoadPosition& p) { return list(p.position, p.rpm); }
 std::string fmt(const SpeedRange& r) { return list(r.min, r.max); }
 std::string fmt(const DoubleRange& r) { return list(r.min, r.max); }
 std::string fmt(const NamedCodes& c) { return list(c.names, c.codes); }
-std::string fmt(const PropertyList& p) { return list(p.ids, p.names, p.units); }
+// A list numbered from 0 is written as its elements alone; any other first index is written in front of them
+// ("[1: 7, 8]", "[1:]" when empty).
+std::string bounded(std::int16_t lower, std::string elements) {
+    if (lower == 0)
+        return elements;
+    return elements.insert(1, std::to_string(lower) + (elements == "[]" ? ":" : ": "));
+}
+std::string fmt(const NameList& l) { return bounded(l.lower, fmt(l.names)); }
+std::string fmt(const PropertyList& p) {
+    return bounded(p.lower, fmt(p.ids)) + ", " + bounded(p.lower, fmt(p.names)) + ", " + bounded(p.lower, fmt(p.units));
+}
 std::string fmt(const StagePositionFlags& f) { return list(f.atHome, f.atInner, f.atOuter); }
 std::string fmt(const StopperSensors& s) { return list(s.up, s.down); }
 std::string fmt(const PiezoCalCoef& c) { return list(c.vmin, c.vmax, c.xmin, c.xmax, c.coef); }
@@ -399,10 +410,10 @@ public:
     std::string GetPiezoSerial() override { return VSS_TRACE(GetPiezoSerial); }
     void SetPiezoLoop(bool closed) override { VSS_TRACE(SetPiezoLoop, closed); }
     bool GetPiezoLoop() override { return VSS_TRACE(GetPiezoLoop); }
-    std::vector<std::string> GetPiezoAdjustList() override { return VSS_TRACE(GetPiezoAdjustList); }
+    NameList GetPiezoAdjustList() override { return VSS_TRACE(GetPiezoAdjustList); }
     void SetPiezoAdjust(std::int16_t index, std::int32_t dac) override { VSS_TRACE(SetPiezoAdjust, index, dac); }
     std::int32_t GetPiezoAdjust(std::int16_t index) override { return VSS_TRACE(GetPiezoAdjust, index); }
-    std::vector<std::string> GetPiezoCalCoefNames() override { return VSS_TRACE(GetPiezoCalCoefNames); }
+    NameList GetPiezoCalCoefNames() override { return VSS_TRACE(GetPiezoCalCoefNames); }
     void SetPiezoCalCoef(const PiezoCalCoef& coef) override { VSS_TRACE(SetPiezoCalCoef, coef); }
     PiezoCalCoef GetPiezoCalCoef() override { return VSS_TRACE(GetPiezoCalCoef); }
     PiezoCalData GetPiezoCalData() override { return VSS_TRACE(GetPiezoCalData); }
@@ -415,7 +426,7 @@ public:
         VSS_TRACE(SetStageProperty, index, value);
     }
     Variant GetStageProperty(std::int16_t id) override { return VSS_TRACE(GetStageProperty, id); }
-    std::vector<std::string> GetBacklashCompensationList() override {
+    NameList GetBacklashCompensationList() override {
         return VSS_TRACE(GetBacklashCompensationList);
     }
     std::int32_t GetBacklashCompensation(std::int16_t index) override {

@@ -112,11 +112,28 @@ struct NamedCodes {
     friend bool operator==(const NamedCodes&, const NamedCodes&) = default;
 };
 
+// A driver's list keeps its bounds: drivers number their lists from 0 or from 1, and an index that goes back
+// to the driver is the list's own. Element k of the vectors has the index lower + k, within 16 bits.
+
+// The names of the piezo adjust points, the piezo calibration coefficients and the backlash entries.
+struct NameList {
+    std::int16_t lower = 0;
+    std::vector<std::string> names;
+
+    std::size_t size() const { return names.size(); }
+    std::int16_t indexAt(std::size_t k) const {
+        return static_cast<std::int16_t>(lower + static_cast<std::int32_t>(k));
+    }
+    friend bool operator==(const NameList&, const NameList&) = default;
+};
+
 // Spindle and stage property lists and the spindle driver items: identifiers, names and unit texts, same bounds.
+// Properties are addressed by identifier, so the bounds only pair each identifier with its name.
 struct PropertyList {
     std::vector<std::int16_t> ids;
     std::vector<std::string> names;
     std::vector<std::string> units;
+    std::int16_t lower = 0;
     friend bool operator==(const PropertyList&, const PropertyList&) = default;
 };
 

@@ -98,7 +98,8 @@ void frmFacPiezo::build() {
 }
 
 void frmFacPiezo::setLabels() {
-    const std::vector<std::string> names = handles().service->GetPiezoCalCoefNames();
+    // The coefficients pair with their names by position: the calibration array is numbered from 0.
+    const std::vector<std::string> names = handles().service->GetPiezoCalCoefNames().names;
     for (std::size_t i = 0; i < usrCalCoef_.size(); ++i)
         usrCalCoef_[i]->setCaption(i < names.size() ? QString::fromStdString(names[i]) : QString());
     adjust_->setLabels(handles().service->GetPiezoAdjustList());

@@ -25,13 +25,14 @@ AdjustRows::AdjustRows(QWidget* frame, int rows, int left, int top, int width)
     }
 }
 
-void AdjustRows::setLabels(const std::vector<std::string>& names) {
-    inUse_ = static_cast<int>(std::min(names.size(), rows_.size()));
+void AdjustRows::setLabels(const NameList& points) {
+    lower_ = points.lower;
+    inUse_ = static_cast<int>(std::min(points.size(), rows_.size()));
     for (int i = 0; i < static_cast<int>(rows_.size()); ++i) {
         userProperty* row = rows_[static_cast<std::size_t>(i)];
         row->setVisible(i < inUse_);
         if (i < inUse_)
-            row->setCaption(QString::fromStdString(names[static_cast<std::size_t>(i)]));
+            row->setCaption(QString::fromStdString(points.names[static_cast<std::size_t>(i)]));
     }
 }
 
@@ -40,24 +41,26 @@ void AdjustRows::refreshAll() {
         refresh(i);
 }
 
-void AdjustRows::refresh(int index) {
-    const std::int32_t dac = handles().service->GetPiezoAdjust(static_cast<std::int16_t>(index));
-    read_[static_cast<std::size_t>(index)] = dac;
-    showValue(rows_[static_cast<std::size_t>(index)], Variant(dac));
+void AdjustRows::refresh(int row) {
+    const std::int32_t dac = handles().service->GetPiezoAdjust(pointAt(row));
+    read_[static_cast<std::size_t>(row)] = dac;
+    showValue(rows_[static_cast<std::size_t>(row)], Variant(dac));
 }
 
-std::optional<std::int32_t> AdjustRows::edited(int index) const {
-    const auto row = static_cast<std::size_t>(index);
-    const Variant value = rows_[row]->Value();
-    if (value.type() != Variant::Type::Int32 || value.int32() == read_[row])
+std::optional<std::int32_t> AdjustRows::edited(int row) const {
+    const auto at = static_cast<std::size_t>(row);
+    const Variant value = rows_[at]->Value();
+    if (value.type() != Variant::Type::Int32 || value.int32() == read_[at])
         return std::nullopt;
     return value.int32();
 }
 
-void AdjustRows::write(int index, std::int32_t dac) {
-    handles().service->SetPiezoAdjust(static_cast<std::int16_t>(index), dac);
-    read_[static_cast<std::size_t>(index)].reset();
+void AdjustRows::write(int row, std::int32_t dac) {
+    handles().service->SetPiezoAdjust(pointAt(row), dac);
+    read_[static_cast<std::size_t>(row)].reset();
 }
+
+std::int16_t AdjustRows::pointAt(int row) const { return static_cast<std::int16_t>(lower_ + row); }
 
 int AdjustRows::bottomTwips(int rows, int top) {
     return top + (rows - 1) * kRowPitch + kRowHeight;

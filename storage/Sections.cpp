@@ -479,11 +479,12 @@ void writePiezoAdjust(fileio& io, const DriverHandles& h) {
     const auto points = serviceOf(h).GetPiezoAdjustList();
     writeNop(io, points.size());
     io.writeStr("DAC");
-    for (std::size_t i = 0; i < points.size(); ++i)
-        io.writeLng(serviceOf(h).GetPiezoAdjust(static_cast<std::int16_t>(i)));
+    for (std::size_t k = 0; k < points.size(); ++k)
+        io.writeLng(serviceOf(h).GetPiezoAdjust(points.indexAt(k)));
     io.writeCrLf();
 }
-// One value per point of the instrument's list, whatever count the file gives.
+// One value per point of the instrument's list, whatever count the file gives; the values go to the list's
+// indexes, from its lower to its upper bound.
 void readPiezoAdjust(SectionInput& in) {
     const auto points = serviceOf(in.handles).GetPiezoAdjustList();
     SectionReader r(in);
@@ -492,10 +493,10 @@ void readPiezoAdjust(SectionInput& in) {
     r.int16();
     r.startRow();
     r.label();
-    for (std::size_t i = 0; i < points.size(); ++i) {
-        r.item("point", i + 1, points.size());
+    for (std::size_t k = 0; k < points.size(); ++k) {
+        r.item("point", k + 1, points.size());
         const std::int32_t dac = r.lng();
-        r.apply(1, [&] { in.target.SetPiezoAdjust(static_cast<std::int16_t>(i), dac); });
+        r.apply(1, [&] { in.target.SetPiezoAdjust(points.indexAt(k), dac); });
     }
 }
 
@@ -539,18 +540,18 @@ void writePiezoCalData(fileio& io, const DriverHandles& h) {
 
 void writeBacklash(fileio& io, const DriverHandles& h) {
     const auto entries = serviceOf(h).GetBacklashCompensationList();
-    for (std::size_t i = 0; i < entries.size(); ++i)
-        io.writeLng(serviceOf(h).GetBacklashCompensation(static_cast<std::int16_t>(i)));
+    for (std::size_t k = 0; k < entries.size(); ++k)
+        io.writeLng(serviceOf(h).GetBacklashCompensation(entries.indexAt(k)));
     io.writeCrLf();
 }
 void readBacklash(SectionInput& in) {
     const auto entries = serviceOf(in.handles).GetBacklashCompensationList();
     SectionReader r(in);
     r.startRow();
-    for (std::size_t i = 0; i < entries.size(); ++i) {
-        r.item("entry", i + 1, entries.size());
+    for (std::size_t k = 0; k < entries.size(); ++k) {
+        r.item("entry", k + 1, entries.size());
         const std::int32_t value = r.lng();
-        r.apply(1, [&] { in.target.SetBacklashCompensation(static_cast<std::int16_t>(i), value); });
+        r.apply(1, [&] { in.target.SetBacklashCompensation(entries.indexAt(k), value); });
     }
 }
 

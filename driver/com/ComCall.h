@@ -76,10 +76,15 @@ protected:
         return decode(op, [&] { return valueOf(v.get(), "the value"); });
     }
     template <class F>
-    std::vector<std::string> getTexts(std::string_view op, F f) {
+    NameList getNameList(std::string_view op, F f) {
         OwnedVariant v;
         call(op, f, v.out());
-        return decode(op, [&] { return textsOf(v.get(), "the list"); });
+        return decode(op, [&] {
+            NameList r;
+            r.names = textsOf(v.get(), "the list");
+            r.lower = lowerOf(v.get(), "the list");
+            return r;
+        });
     }
     template <class F, class... A>
     NamedCodes getNamedCodes(std::string_view op, F f, A... in) {
@@ -96,9 +101,12 @@ protected:
         OwnedVariant ids, names, units;
         call(op, f, ids.out(), names.out(), units.out());
         return decode(op, [&] {
-            PropertyList r{shortsOf(ids.get(), "ids"), textsOf(names.get(), "names"), textsOf(units.get(), "units")};
+            PropertyList r{shortsOf(ids.get(), "ids"), textsOf(names.get(), "names"), textsOf(units.get(), "units"),
+                           lowerOf(ids.get(), "ids")};
             sameLength(r.ids.size(), "ids", r.names.size(), "names");
             sameLength(r.ids.size(), "ids", r.units.size(), "units");
+            sameLower(r.lower, "ids", lowerOf(names.get(), "names"), "names");
+            sameLower(r.lower, "ids", lowerOf(units.get(), "units"), "units");
             return r;
         });
     }
@@ -112,6 +120,11 @@ protected:
             throw DriverError(std::string(I::kName) + "." + std::string(op) + " returned a malformed result: " +
                               e.what() + ".");
         }
+    }
+    static void sameLower(std::int16_t a, const char* aName, std::int16_t b, const char* bName) {
+        if (a != b)
+            throw ValueFault(std::string(aName) + " start at index " + std::to_string(a) + " but " + bName +
+                             " at " + std::to_string(b));
     }
     static void sameLength(std::size_t a, const char* aName, std::size_t b, const char* bName) {
         if (a != b)

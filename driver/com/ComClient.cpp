@@ -256,8 +256,8 @@ public:
     std::string GetPiezoSerial() override { return getText("GetPiezoSerial", &Raw::GetPiezoSerial); }
     void SetPiezoLoop(bool closed) override { call("SetPiezoLoop", &Raw::SetPiezoLoop, toVariantBool(closed)); }
     bool GetPiezoLoop() override { return getBool("GetPiezoLoop", &Raw::GetPiezoLoop); }
-    std::vector<std::string> GetPiezoAdjustList() override {
-        return getTexts("GetPiezoAdjustList", &Raw::GetPiezoAdjustList);
+    NameList GetPiezoAdjustList() override {
+        return getNameList("GetPiezoAdjustList", &Raw::GetPiezoAdjustList);
     }
     void SetPiezoAdjust(std::int16_t index, std::int32_t dac) override {
         call("SetPiezoAdjust", &Raw::SetPiezoAdjust, short{index}, long{dac});
@@ -265,8 +265,8 @@ public:
     std::int32_t GetPiezoAdjust(std::int16_t index) override {
         return get<long>("GetPiezoAdjust", &Raw::GetPiezoAdjust, short{index});
     }
-    std::vector<std::string> GetPiezoCalCoefNames() override {
-        return getTexts("GetPiezoCalCoefNames", &Raw::GetPiezoCalCoefNames);
+    NameList GetPiezoCalCoefNames() override {
+        return getNameList("GetPiezoCalCoefNames", &Raw::GetPiezoCalCoefNames);
     }
     void SetPiezoCalCoef(const PiezoCalCoef& c) override {
         OwnedVariant coef(listVariant(c.coef));
@@ -322,8 +322,8 @@ public:
     Variant GetStageProperty(std::int16_t id) override {
         return getValue("GetStageProperty", &Raw::GetStageProperty, short{id});
     }
-    std::vector<std::string> GetBacklashCompensationList() override {
-        return getTexts("GetBacklashCompensationList", &Raw::GetBacklashCompensationList);
+    NameList GetBacklashCompensationList() override {
+        return getNameList("GetBacklashCompensationList", &Raw::GetBacklashCompensationList);
     }
     std::int32_t GetBacklashCompensation(std::int16_t index) override {
         return get<long>("GetBacklashCompensation", &Raw::GetBacklashCompensation, short{index});

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <atomic>
 #include <cstdio>
+#include <limits>
 #include <new>
 
 namespace vss::com {
@@ -126,8 +127,8 @@ std::vector<T> numbersOf(const VARIANT& v, std::string_view what) {
 }
 
 template <class T>
-VARIANT numberList(const std::vector<T>& values, VARTYPE vt) {
-    SAFEARRAY* array = createVector(vt, static_cast<ULONG>(values.size()));
+VARIANT numberList(const std::vector<T>& values, VARTYPE vt, LONG lower) {
+    SAFEARRAY* array = createVector(vt, static_cast<ULONG>(values.size()), lower);
     void* data = nullptr;
     if (!values.empty()) {
         SafeArrayAccessData(array, &data);
@@ -165,8 +166,8 @@ void freeString(BSTR s) {
     counters.stringFrees++;
 }
 
-SAFEARRAY* createVector(VARTYPE elementType, ULONG count) {
-    SAFEARRAY* array = SafeArrayCreateVector(elementType, 0, count);
+SAFEARRAY* createVector(VARTYPE elementType, ULONG count, LONG lower) {
+    SAFEARRAY* array = SafeArrayCreateVector(elementType, lower, count);
     if (array == nullptr)
         throw std::bad_alloc();
     counters.arrays++;
@@ -253,6 +254,20 @@ std::vector<std::string> textsOf(const VARIANT& v, std::string_view what) {
     return out;
 }
 
+std::int16_t lowerOf(const VARIANT& v, std::string_view what) {
+    LONG lower = 0, upper = -1;
+    if ((v.vt & VT_ARRAY) == 0 || (v.vt & VT_BYREF) != 0 || v.parray == nullptr ||
+        SafeArrayGetDim(v.parray) != 1 || FAILED(SafeArrayGetLBound(v.parray, 1, &lower)) ||
+        FAILED(SafeArrayGetUBound(v.parray, 1, &upper)))
+        throw ValueFault(std::string(what) + " is not a list with readable bounds");
+    constexpr LONG kFirst = std::numeric_limits<std::int16_t>::min();
+    constexpr LONG kLast = std::numeric_limits<std::int16_t>::max();
+    if (lower < kFirst || lower > kLast || upper > kLast)
+        throw ValueFault(std::string(what) + " has bounds " + std::to_string(lower) + " to " + std::to_string(upper) +
+                         ", beyond the 16-bit indexes of the driver's operations");
+    return static_cast<std::int16_t>(lower);
+}
+
 std::vector<std::int16_t> shortsOf(const VARIANT& v, std::string_view what) {
     return numbersOf<std::int16_t, VT_I2>(v, what);
 }
@@ -283,8 +298,8 @@ Variant valueOf(const VARIANT& v, std::string_view what) {
     }
 }
 
-VARIANT listVariant(const std::vector<std::string>& values) {
-    SAFEARRAY* array = createVector(VT_BSTR, static_cast<ULONG>(values.size()));
+VARIANT listVariant(const std::vector<std::string>& values, LONG lower) {
+    SAFEARRAY* array = createVector(VT_BSTR, static_cast<ULONG>(values.size()), lower);
     if (!values.empty()) {
         void* data = nullptr;
         SafeArrayAccessData(array, &data);
@@ -306,12 +321,12 @@ VARIANT listVariant(const std::vector<std::string>& values) {
     return v;
 }
 
-VARIANT listVariant(const std::vector<std::int16_t>& values) {
-    return numberList(values, VT_I2);
+VARIANT listVariant(const std::vector<std::int16_t>& values, LONG lower) {
+    return numberList(values, VT_I2, lower);
 }
 
 VARIANT listVariant(const std::vector<double>& values) {
-    return numberList(values, VT_R8);
+    return numberList(values, VT_R8, 0);
 }
 
 VARIANT valueVariant(const Variant& value) {

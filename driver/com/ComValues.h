@@ -43,7 +43,7 @@ AllocationCounts allocationCounts();
 
 BSTR allocString(std::string_view utf8);
 void freeString(BSTR s); // a null BSTR is nothing to free
-SAFEARRAY* createVector(VARTYPE elementType, ULONG count);
+SAFEARRAY* createVector(VARTYPE elementType, ULONG count, LONG lower = 0);
 void destroyArray(SAFEARRAY* array); // frees the BSTR and VARIANT elements first
 void clearVariant(VARIANT& v);       // frees what the VARIANT owns and leaves it VT_EMPTY
 
@@ -112,14 +112,16 @@ std::string textOf(BSTR s, std::string_view what);         // a null BSTR is a f
 std::string textOrEmpty(BSTR s);                            // a null BSTR is the empty text (incoming arguments)
 bool boolOf(VARIANT_BOOL b) noexcept;                       // any non-zero value is true
 std::vector<std::string> textsOf(const VARIANT& v, std::string_view what);
+// The lower bound of a list, checked to index its elements within 16 bits.
+std::int16_t lowerOf(const VARIANT& v, std::string_view what);
 std::vector<std::int16_t> shortsOf(const VARIANT& v, std::string_view what);
 std::vector<double> doublesOf(const VARIANT& v, std::string_view what);
 Variant valueOf(const VARIANT& v, std::string_view what);
 
 // Making what this side sends; the receiver owns the result.
 inline VARIANT_BOOL toVariantBool(bool b) noexcept { return b ? VARIANT_TRUE : VARIANT_FALSE; }
-VARIANT listVariant(const std::vector<std::string>& values);
-VARIANT listVariant(const std::vector<std::int16_t>& values);
+VARIANT listVariant(const std::vector<std::string>& values, LONG lower = 0);
+VARIANT listVariant(const std::vector<std::int16_t>& values, LONG lower = 0);
 VARIANT listVariant(const std::vector<double>& values);
 VARIANT valueVariant(const Variant& value);
 

@@ -65,8 +65,9 @@ const PropertySpec& PropertyFamily::at(std::int16_t id) const {
     return specs[static_cast<std::size_t>(id)];
 }
 
-PropertyList PropertyFamily::list() const {
+PropertyList PropertyFamily::list(std::int16_t lower) const {
     PropertyList l;
+    l.lower = lower;
     for (std::size_t i = 0; i < specs.size(); ++i) {
         l.ids.push_back(static_cast<std::int16_t>(i));
         l.names.push_back(specs[i].name);

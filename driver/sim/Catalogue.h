@@ -31,7 +31,7 @@ struct PropertyFamily {
     std::vector<PropertySpec> specs;
 
     const PropertySpec& at(std::int16_t id) const; // throws DriverError naming the allowed identifiers
-    PropertyList list() const;
+    PropertyList list(std::int16_t lower) const; // the list numbered from `lower`
     NamedCodes choices(std::int16_t id) const; // throws DriverError for a property that is not coded
     // The value converted to the property's own type; throws DriverError saying what is allowed.
     Variant checked(std::int16_t id, const Variant& value) const;

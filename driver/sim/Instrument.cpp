@@ -54,7 +54,8 @@ Instrument::Instrument(const SimOptions& options)
     : file_(options.statePath == "-" || options.statePath == ":memory:" ? std::string()
             : options.statePath.empty()                                  ? SimInstrument::defaultStatePath()
                                                                          : options.statePath),
-      delays_(options.delays), headLoaderPresent_(options.headLoaderPresent) {
+      delays_(options.delays), headLoaderPresent_(options.headLoaderPresent),
+      listLower_(options.listLower) {
     inputs_[at(Input::SpindleSet)] = true;
     inputs_[at(Input::StopperDownSensor)] = true;
     nonVolatile_ = Settings::factory();

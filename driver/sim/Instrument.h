@@ -59,6 +59,7 @@ public:
     void resetNonVolatile();
     void setHeadLoaderPresent(bool present) { headLoaderPresent_ = present; }
     bool headLoaderPresent() const { return headLoaderPresent_; }
+    std::int16_t listLower() const { return listLower_; } // the first index of the driver's lists
     const std::shared_ptr<TraceBuffer>& trace() const { return trace_; }
 
     // Session.
@@ -139,6 +140,7 @@ private:
     std::map<std::string, Failure, std::less<>> failures_;
     bool delays_ = false;
     bool headLoaderPresent_ = true;
+    std::int16_t listLower_ = 0;
     std::shared_ptr<TraceBuffer> trace_ = std::make_shared<TraceBuffer>();
 };
 

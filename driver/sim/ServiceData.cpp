@@ -13,21 +13,20 @@ void SimService::SetPiezoSerial(const std::string& serial) {
 std::string SimService::GetPiezoSerial() { return m().working.piezo.serial; }
 void SimService::SetPiezoLoop(bool closed) { m().hw.piezoLoop = closed; }
 bool SimService::GetPiezoLoop() { return m().hw.piezoLoop; }
-std::vector<std::string> SimService::GetPiezoAdjustList() { return piezoAdjustNames(); }
+NameList SimService::GetPiezoAdjustList() { return {m().listLower(), piezoAdjustNames()}; }
 // The bias point's DAC is eleven bits wide: a value above its top count is kept at the top count.
-constexpr std::int16_t kBiasPoint = 4;
+constexpr std::size_t kBiasPoint = 4;
 constexpr std::int32_t kBiasTop = 2047;
 
 void SimService::SetPiezoAdjust(std::int16_t index, std::int32_t dac) {
-    checkAdjustIndex(index);
+    const std::size_t slot = adjustSlot(index, m().listLower());
     checkAdjust(dac);
-    m().working.piezo.adjust[static_cast<std::size_t>(index)] = index == kBiasPoint && dac > kBiasTop ? kBiasTop : dac;
+    m().working.piezo.adjust[slot] = slot == kBiasPoint && dac > kBiasTop ? kBiasTop : dac;
 }
 std::int32_t SimService::GetPiezoAdjust(std::int16_t index) {
-    checkAdjustIndex(index);
-    return m().working.piezo.adjust[static_cast<std::size_t>(index)];
+    return m().working.piezo.adjust[adjustSlot(index, m().listLower())];
 }
-std::vector<std::string> SimService::GetPiezoCalCoefNames() { return piezoCalCoefNames(); }
+NameList SimService::GetPiezoCalCoefNames() { return {m().listLower(), piezoCalCoefNames()}; }
 void SimService::SetPiezoCalCoef(const PiezoCalCoef& coef) {
     checkCalCoef(coef);
     m().working.piezo.calCoef = coef;
@@ -48,7 +47,7 @@ namespace {
 Variant& valueAt(std::vector<Variant>& values, std::int16_t id) { return values[static_cast<std::size_t>(id)]; }
 } // namespace
 
-PropertyList SimService::GetStagePropertyList() { return stageProperties().list(); }
+PropertyList SimService::GetStagePropertyList() { return stageProperties().list(m().listLower()); }
 NamedCodes SimService::GetStagePropertyChoices(std::int16_t id) { return stageProperties().choices(id); }
 void SimService::SetStageProperty(std::int16_t index, const Variant& value) {
     valueAt(m().working.stage.values, index) = stageProperties().checked(index, value);
@@ -58,19 +57,18 @@ Variant SimService::GetStageProperty(std::int16_t id) {
     return valueAt(m().working.stage.values, id);
 }
 
-std::vector<std::string> SimService::GetBacklashCompensationList() { return backlashNames(); }
+NameList SimService::GetBacklashCompensationList() { return {m().listLower(), backlashNames()}; }
 std::int32_t SimService::GetBacklashCompensation(std::int16_t index) {
-    checkBacklashIndex(index);
-    return m().working.backlash.values[static_cast<std::size_t>(index)];
+    return m().working.backlash.values[backlashSlot(index, m().listLower())];
 }
 void SimService::SetBacklashCompensation(std::int16_t index, std::int32_t value) {
-    checkBacklashIndex(index);
+    const std::size_t slot = backlashSlot(index, m().listLower());
     checkBacklash(value);
-    m().working.backlash.values[static_cast<std::size_t>(index)] = value;
+    m().working.backlash.values[slot] = value;
 }
 std::string SimService::GetBacklashDate() { return m().working.backlash.date; }
 
-PropertyList SimService::GetSpindlePropertyList() { return spindleProperties().list(); }
+PropertyList SimService::GetSpindlePropertyList() { return spindleProperties().list(m().listLower()); }
 NamedCodes SimService::GetSpindlePropertyChoices(std::int16_t id) { return spindleProperties().choices(id); }
 void SimService::SetSpindleProperty(std::int16_t index, const Variant& value) {
     valueAt(m().working.spindle.values, index) = spindleProperties().checked(index, value);
@@ -80,7 +78,7 @@ Variant SimService::GetSpindleProperty(std::int16_t id) {
     return valueAt(m().working.spindle.values, id);
 }
 
-PropertyList SimService::GetSpindleDriverItems() { return spindleDriverItems().list(); }
+PropertyList SimService::GetSpindleDriverItems() { return spindleDriverItems().list(m().listLower()); }
 NamedCodes SimService::GetSpindleDriverChoices(std::int16_t id) { return spindleDriverItems().choices(id); }
 Variant SimService::GetSpindleDriver(std::int16_t index) { return spindleDriverItems().at(index).factory; }
 

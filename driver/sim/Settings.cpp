@@ -30,10 +30,13 @@ void checkRange(std::string_view what, double v, double min, double max, std::st
              " to " + num(max) + " " + std::string(unit) + ".");
 }
 
-void checkIndex(std::string_view what, std::int16_t index, std::size_t count) {
-    if (index < 0 || static_cast<std::size_t>(index) >= count)
-        fail(std::string(what) + " index " + std::to_string(index) + " does not exist: the indexes are 0 to " +
-             std::to_string(count - 1) + ".");
+// The position in the instrument's table of an index into a list numbered from `lower`.
+std::size_t slotOf(std::string_view what, std::int16_t index, std::int16_t lower, std::size_t count) {
+    const std::int32_t slot = static_cast<std::int32_t>(index) - lower;
+    if (slot < 0 || static_cast<std::size_t>(slot) >= count)
+        fail(std::string(what) + " index " + std::to_string(index) + " does not exist: the indexes are " +
+             std::to_string(lower) + " to " + std::to_string(lower + static_cast<std::int32_t>(count) - 1) + ".");
+    return static_cast<std::size_t>(slot);
 }
 
 // The factory calibration of the piezo: x(V) = K0 + K1 V + K2 V^2 + K3 V^3 + K4 V^4 (m), and the eleven points
@@ -183,9 +186,13 @@ void checkHeadFace(std::int32_t face) {
         fail("Head face " + std::to_string(face) + " is not allowed: use 1 (down face) or 0 (up face).");
 }
 
-void checkAdjustIndex(std::int16_t index) { checkIndex("Piezo adjust", index, piezoAdjustNames().size()); }
+std::size_t adjustSlot(std::int16_t index, std::int16_t lower) {
+    return slotOf("Piezo adjust", index, lower, piezoAdjustNames().size());
+}
 void checkAdjust(std::int32_t dac) { checkRange("The piezo adjust value", dac, 0, 4095, "(DAC counts)"); }
-void checkBacklashIndex(std::int16_t index) { checkIndex("Backlash compensation", index, backlashNames().size()); }
+std::size_t backlashSlot(std::int16_t index, std::int16_t lower) {
+    return slotOf("Backlash compensation", index, lower, backlashNames().size());
+}
 void checkBacklash(std::int32_t pulses) { checkRange("The backlash compensation", pulses, 0, 10000, "pulses"); }
 
 void checkCalCoef(const PiezoCalCoef& c) {

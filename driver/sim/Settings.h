@@ -119,9 +119,10 @@ void checkStopperAngle(double angle);
 void checkGeometryIndex(std::int16_t index);
 void checkGeometry(std::int16_t index, double value);
 void checkHeadFace(std::int32_t face);
-void checkAdjustIndex(std::int16_t index);
+// The position in the instrument's table of an index into its list numbered from `lower`; a missing index throws.
+std::size_t adjustSlot(std::int16_t index, std::int16_t lower);
 void checkAdjust(std::int32_t dac);
-void checkBacklashIndex(std::int16_t index);
+std::size_t backlashSlot(std::int16_t index, std::int16_t lower);
 void checkBacklash(std::int32_t pulses);
 void checkCalCoef(const PiezoCalCoef& coef);
 void checkCalData(const PiezoCalData& data);

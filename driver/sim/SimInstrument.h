@@ -24,6 +24,9 @@ struct SimOptions {
     // Start as after switching the instrument off and on: the working values come from non-volatile memory
     // instead of from the last program's session. Programs offer it as a command-line option.
     bool powerCycle = false;
+    // The first index of the lists the driver gives (piezo adjust points, calibration coefficient names,
+    // backlash entries, properties): 0, or 1 to play a driver that numbers its lists from 1.
+    std::int16_t listLower = 0;
 };
 
 // Inputs that the instrument reads from its sensors; tests and demonstrations set them at run time.

@@ -62,10 +62,10 @@ public:
     std::string GetPiezoSerial() override;
     void SetPiezoLoop(bool closed) override;
     bool GetPiezoLoop() override;
-    std::vector<std::string> GetPiezoAdjustList() override;
+    NameList GetPiezoAdjustList() override;
     void SetPiezoAdjust(std::int16_t index, std::int32_t dac) override;
     std::int32_t GetPiezoAdjust(std::int16_t index) override;
-    std::vector<std::string> GetPiezoCalCoefNames() override;
+    NameList GetPiezoCalCoefNames() override;
     void SetPiezoCalCoef(const PiezoCalCoef& coef) override;
     PiezoCalCoef GetPiezoCalCoef() override;
     PiezoCalData GetPiezoCalData() override;
@@ -76,7 +76,7 @@ public:
     NamedCodes GetStagePropertyChoices(std::int16_t id) override;
     void SetStageProperty(std::int16_t index, const Variant& value) override;
     Variant GetStageProperty(std::int16_t id) override;
-    std::vector<std::string> GetBacklashCompensationList() override;
+    NameList GetBacklashCompensationList() override;
     std::int32_t GetBacklashCompensation(std::int16_t index) override;
     void SetBacklashCompensation(std::int16_t index, std::int32_t value) override;
     std::string GetBacklashDate() override;

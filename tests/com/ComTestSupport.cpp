@@ -44,11 +44,11 @@ void attempt(F f) {
 
 } // namespace
 
-ServerInstrument::ServerInstrument() {
+ServerInstrument::ServerInstrument(long listLower) {
     IUnknown* previous = createRaw();
     ISimControl* restart = controlOf(previous);
     Bstr memory(":memory:");
-    const HRESULT hr = restart->RestartInstrument(memory.get());
+    const HRESULT hr = restart->RestartInstrument(memory.get(), listLower);
     restart->Release();
     previous->Release();
     check(hr, "RestartInstrument");
@@ -214,9 +214,9 @@ void exerciseEveryOperation(DriverObject& object) {
     attempt([&] { s.SetPiezoLoop(true); });
     attempt([&] { s.GetPiezoLoop(); });
     attempt([&] {
-        const auto points = s.GetPiezoAdjustList();
-        for (std::size_t i = 0; i < points.size(); ++i) {
-            const auto index = static_cast<std::int16_t>(i);
+        const NameList points = s.GetPiezoAdjustList();
+        for (std::size_t k = 0; k < points.size(); ++k) {
+            const std::int16_t index = points.indexAt(k);
             attempt([&] { s.SetPiezoAdjust(index, s.GetPiezoAdjust(index) + 3); });
         }
     });
@@ -250,9 +250,9 @@ void exerciseEveryOperation(DriverObject& object) {
     });
     attempt([&] { s.SetStageProperty(0, Variant("not a number")); });
     attempt([&] {
-        const auto entries = s.GetBacklashCompensationList();
-        for (std::size_t i = 0; i < entries.size(); ++i) {
-            const auto index = static_cast<std::int16_t>(i);
+        const NameList entries = s.GetBacklashCompensationList();
+        for (std::size_t k = 0; k < entries.size(); ++k) {
+            const std::int16_t index = entries.indexAt(k);
             attempt([&] { s.SetBacklashCompensation(index, s.GetBacklashCompensation(index) + 1); });
         }
     });

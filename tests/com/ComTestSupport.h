@@ -21,10 +21,10 @@ protected:
 };
 
 // The registered server's instrument, restarted fresh (no non-volatile file) and reached through the server's
-// control interface; driver objects created by ProgID afterwards run on it.
+// control interface; driver objects created by ProgID afterwards run on it. Its lists start at listLower.
 class ServerInstrument {
 public:
-    ServerInstrument();
+    explicit ServerInstrument(long listLower = 0);
     ~ServerInstrument();
     ServerInstrument(const ServerInstrument&) = delete;
     ServerInstrument& operator=(const ServerInstrument&) = delete;

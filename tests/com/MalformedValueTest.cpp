@@ -17,6 +17,8 @@ struct Script {
     std::function<HRESULT(VARIANT* names, VARIANT* codes)> loadMethods;
     std::function<HRESULT(BSTR*)> hardwareRevision;
     std::function<HRESULT(VARIANT*)> stageProperty;
+    std::function<HRESULT(VARIANT* names)> adjustList;
+    std::function<HRESULT(VARIANT* ids, VARIANT* names, VARIANT* units)> spindleProperties;
     HRESULT loadResult = S_OK;
 };
 
@@ -42,6 +44,13 @@ public:
         : Served(outer, std::move(target)), script_(script) {}
     HRESULT STDMETHODCALLTYPE GetStageProperty(short id, VARIANT* v) override {
         return script_.stageProperty ? script_.stageProperty(v) : Served::GetStageProperty(id, v);
+    }
+    HRESULT STDMETHODCALLTYPE GetPiezoAdjustList(VARIANT* names) override {
+        return script_.adjustList ? script_.adjustList(names) : Served::GetPiezoAdjustList(names);
+    }
+    HRESULT STDMETHODCALLTYPE GetSpindlePropertyList(VARIANT* ids, VARIANT* names, VARIANT* units) override {
+        return script_.spindleProperties ? script_.spindleProperties(ids, names, units)
+                                         : Served::GetSpindlePropertyList(ids, names, units);
     }
 
 private:
@@ -200,6 +209,58 @@ TEST_F(Malformed, ListsOfVariantsWithAnyLowerBoundAreAccepted) {
     const NamedCodes list = driver->GetLoadMethodList();
     EXPECT_EQ(list.names, (std::vector<std::string>{"Ramp", "Drop"}));
     EXPECT_EQ(list.codes, (std::vector<std::int16_t>{4, 9}));
+}
+
+// A list of texts whose indexes run from `lower`.
+VARIANT textsFrom(LONG lower, std::initializer_list<const wchar_t*> texts) {
+    SAFEARRAYBOUND bounds{static_cast<ULONG>(texts.size()), lower};
+    SAFEARRAY* a = SafeArrayCreate(VT_BSTR, 1, &bounds);
+    LONG i = lower;
+    for (const wchar_t* text : texts) {
+        BSTR copy = SysAllocString(text);
+        SafeArrayPutElement(a, &i, copy); // puts a copy in
+        SysFreeString(copy);
+        ++i;
+    }
+    return arrayVariant(VT_BSTR, a);
+}
+
+TEST_F(Malformed, ListsKeepTheirFirstIndexWhichMustLeaveTheIndexesWithin16Bits) {
+    Script script;
+    LONG lower = 1;
+    script.adjustList = [&](VARIANT* n) {
+        *n = textsFrom(lower, {L"Zero", L"Gain"});
+        return S_OK;
+    };
+    auto service = QueryInterface<IDriverService>(*badObject(script));
+    EXPECT_EQ(service->GetPiezoAdjustList(), (NameList{1, {"Zero", "Gain"}}));
+    lower = -3;
+    EXPECT_EQ(service->GetPiezoAdjustList(), (NameList{-3, {"Zero", "Gain"}}));
+    lower = 32766; // the last index is the last 16-bit one
+    EXPECT_EQ(service->GetPiezoAdjustList(), (NameList{32766, {"Zero", "Gain"}}));
+    lower = 32767;
+    EXPECT_EQ(failureOf([&] { service->GetPiezoAdjustList(); }),
+              "IDriverService.GetPiezoAdjustList returned a malformed result: the list has bounds 32767 to 32768, "
+              "beyond the 16-bit indexes of the driver's operations.");
+}
+
+TEST_F(Malformed, PropertyListsWhoseArraysStartAtDifferentIndexesAreRefused) {
+    Script script;
+    script.spindleProperties = [](VARIANT* ids, VARIANT* names, VARIANT* units) {
+        SAFEARRAYBOUND from1{1, 1};
+        SAFEARRAY* a = SafeArrayCreate(VT_I2, 1, &from1);
+        LONG at = 1;
+        short id = 0;
+        SafeArrayPutElement(a, &at, &id);
+        *ids = arrayVariant(VT_I2, a);
+        *names = textsFrom(1, {L"Accel"});
+        *units = textsFrom(0, {L"rpm/s"});
+        return S_OK;
+    };
+    auto service = QueryInterface<IDriverService>(*badObject(script));
+    EXPECT_EQ(failureOf([&] { service->GetSpindlePropertyList(); }),
+              "IDriverService.GetSpindlePropertyList returned a malformed result: ids start at index 1 but units "
+              "at 0.");
 }
 
 TEST_F(Malformed, NullTextsAndUnsupportedValuesAreRefused) {

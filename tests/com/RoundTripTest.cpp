@@ -35,8 +35,12 @@ std::string firstDifference(std::vector<std::string> actual, std::vector<std::st
            "\n expected: " + (e == expected.end() ? "(end)" : *e);
 }
 
-TEST_F(RoundTrip, EveryOperationGivesTheSameResultsAndTraceAsInProcess) {
-    sim::SimInstrument local(sim::SimOptions{":memory:"});
+// Run on instruments that number their lists from 0 and from 1: the bounds cross with the lists.
+class EveryOperation : public ComTest, public ::testing::WithParamInterface<std::int16_t> {};
+
+TEST_P(EveryOperation, GivesTheSameResultsAndTraceAsInProcess) {
+    const std::int16_t listLower = GetParam();
+    sim::SimInstrument local(sim::SimOptions{.statePath = ":memory:", .listLower = listLower});
     {
         auto object = local.createObject();
         local.trace().clear();
@@ -44,7 +48,7 @@ TEST_F(RoundTrip, EveryOperationGivesTheSameResultsAndTraceAsInProcess) {
     }
     const std::vector<std::string> expected = local.trace().lines();
 
-    ServerInstrument server;
+    ServerInstrument server(listLower);
     auto client = std::make_shared<TraceBuffer>();
     server.clearTrace();
     {
@@ -57,7 +61,18 @@ TEST_F(RoundTrip, EveryOperationGivesTheSameResultsAndTraceAsInProcess) {
     EXPECT_EQ(firstDifference(server.trace(), expected), "");
     // What the client got back: the same results and the same failure descriptions.
     EXPECT_EQ(firstDifference(client->lines(), expected), "");
+    if (listLower != 0) { // the lists' first index is in the trace, so the bounds crossed
+        EXPECT_NE(std::find(expected.begin(), expected.end(),
+                            "IDriverService.GetBacklashCompensationList() -> [1: \"A (ID to outer)\", "
+                            "\"B (ID to inner)\", \"C (OD to inner)\", \"D (OD to outer)\", \"E (Home to Inner)\"]"),
+                  expected.end());
+    }
 }
+
+INSTANTIATE_TEST_SUITE_P(Lists, EveryOperation, ::testing::Values(std::int16_t{0}, std::int16_t{1}),
+                         [](const ::testing::TestParamInfo<std::int16_t>& p) {
+                             return "NumberedFrom" + std::to_string(p.param);
+                         });
 
 TEST_F(RoundTrip, DriverFailureArrivesWithTheDriversDescription) {
     ServerInstrument server;

@@ -76,5 +76,26 @@ TEST_F(SimBadInput, IsRefusedWithADescriptionOfWhatIsAllowed) {
                                       h.service->GetPiezoCalCoef(), h.loadPosition->GetLoadPosition(2)));
 }
 
+// Some drivers number their lists from 1: the simulator plays one on request, and the indexes follow the lists.
+class SimOneBasedLists : public SimTest {
+protected:
+    SimOneBasedLists() : SimTest(sim::SimOptions{.statePath = ":memory:", .listLower = 1}) {}
+};
+
+TEST_F(SimOneBasedLists, EveryListStartsAtOneAndTheIndexesBelowAndAboveAreRefused) {
+    openAndInitialize();
+    IDriverService& s = *h.service;
+    for (const NameList& list : {s.GetPiezoAdjustList(), s.GetPiezoCalCoefNames(), s.GetBacklashCompensationList()})
+        EXPECT_EQ(list.lower, 1);
+    for (const PropertyList& list : {s.GetSpindlePropertyList(), s.GetStagePropertyList(), s.GetSpindleDriverItems()})
+        EXPECT_EQ(list.lower, 1);
+    EXPECT_NE(failure([&] { s.GetPiezoAdjust(0); }).find("indexes are 1 to 6"), std::string::npos);
+    EXPECT_NE(failure([&] { s.SetPiezoAdjust(7, 1); }).find("indexes are 1 to 6"), std::string::npos);
+    EXPECT_NE(failure([&] { s.SetBacklashCompensation(0, 1); }).find("indexes are 1 to 5"), std::string::npos);
+    EXPECT_EQ(failure([&] { s.SetBacklashCompensation(5, 77); }), "");
+    EXPECT_EQ(s.GetBacklashCompensation(5), 77);
+    EXPECT_NE(lastLine().find("IDriverService.GetBacklashCompensation(5) -> 77"), std::string::npos) << lastLine();
+}
+
 } // namespace
 } // namespace vss::test

@@ -23,7 +23,9 @@ inline DriverHandles queryAll(DriverObject& o) {
 class SimTest : public ::testing::Test {
 protected:
     explicit SimTest(const std::string& statePath = ":memory:")
-        : sim(sim::SimOptions{statePath, false, true}), object(sim.createObject()), h(queryAll(*object)) {}
+        : SimTest(sim::SimOptions{statePath, false, true}) {}
+    explicit SimTest(const sim::SimOptions& options)
+        : sim(options), object(sim.createObject()), h(queryAll(*object)) {}
 
     void open() { h.driver->Open("QTB::R2208C"); }
     void openAndInitialize() {

@@ -66,6 +66,24 @@ TEST_F(TraceLines, WriteArgumentsAndResultsOfEveryShape) {
                                    }));
 }
 
+// A list numbered from 0 is written as its elements; any other first index is written in front of them.
+class TraceOfOneBasedLists : public SimTest {
+protected:
+    TraceOfOneBasedLists() : SimTest(sim::SimOptions{.statePath = ":memory:", .listLower = 1}) {}
+};
+
+TEST_F(TraceOfOneBasedLists, WritesTheFirstIndexOfEveryList) {
+    open();
+    sim.trace().clear();
+    h.service->GetSpindleDriverItems();
+    h.service->GetPiezoCalCoefNames();
+    EXPECT_EQ(sim.trace().lines(),
+              (std::vector<std::string>{
+                  "IDriverService.GetSpindleDriverItems() -> [1: 0, 1], [1: \"Rotation\", \"Type\"], [1: \"\", \"\"]",
+                  "IDriverService.GetPiezoCalCoefNames() -> [1: \"K0\", \"K1\", \"K2\", \"K3\", \"K4\"]",
+              }));
+}
+
 TEST_F(TraceLines, WriteFailuresWithTheDriversDescription) {
     open();
     EXPECT_THROW(h.driver->SetSpindleSpeed(99999), DriverError);

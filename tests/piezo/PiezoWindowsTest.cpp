@@ -114,6 +114,32 @@ TEST_F(PiezoWindows, AnAdjustEditShowsWhatTheInstrumentKeptAndTheSerialIsWritten
     });
 }
 
+// A driver that numbers its lists from 1: row i shows the list's element i, at the instrument's index i + 1.
+TEST(PiezoWindowsOnOneBasedLists, EveryRowReadsAndWritesThePointOfItsLabel) {
+    WindowHarness harness(sim::SimOptions{.statePath = ":memory:", .listLower = 1});
+    harness.openSession();
+    service().SetPiezoAdjust(1, 1001);
+    service().SetPiezoAdjust(5, 1005);
+    auto rowsShowTheirPoints = [&](QWidget& w) {
+        EXPECT_EQ(WindowHarness::control<userProperty>(w, "usrAdjust_0").Caption(), "Zero");
+        EXPECT_EQ(shownText(w, "usrAdjust_0"), "1001");
+        EXPECT_EQ(WindowHarness::control<userProperty>(w, "usrAdjust_4").Caption(), "Bias");
+        EXPECT_EQ(shownText(w, "usrAdjust_4"), "1005");
+        harness.clearTrace();
+        enterValue(w, "usrAdjust_4", "3000");
+        EXPECT_EQ(writes(harness.trace()), (Lines{"IDriverService.SetPiezoAdjust(5, 3000)"}));
+        EXPECT_EQ(shownText(w, "usrAdjust_4"), "2047") << "read back from the same point";
+        service().SetPiezoAdjust(5, 1005);
+    };
+    withWindow<frmFacPiezo>(harness, [&](frmFacPiezo& w) {
+        rowsShowTheirPoints(w);
+        EXPECT_EQ(WindowHarness::control<userProperty>(w, "usrCalCoef_0").Caption(), "K0")
+            << "the coefficients pair with their names by position";
+    });
+    withWindow<frmPiezoAdjust>(harness, [&](frmPiezoAdjust& w) { rowsShowTheirPoints(w); });
+    EXPECT_TRUE(harness.messages().empty());
+}
+
 TEST_F(PiezoWindows, ControlDataIsReadOnlyHereAndShowsWhatAdvancedWrote) {
     withWindow<frmFacPiezo>(harness, [&](frmFacPiezo& w) {
         EXPECT_TRUE(fieldBox(w, "usrCtrlKs_1").isReadOnly());

@@ -41,6 +41,21 @@ TEST_F(ConfigTool, BackupOnOneInstrumentAndRestoreOntoAnotherGivesEqualValues) {
             << line;
 }
 
+// A driver that numbers its lists from 1 reads and writes the same files: the points and entries are matched
+// by their place in the list.
+TEST_F(ConfigTool, ABackupMovesBetweenInstrumentsNumberingTheirListsFrom0AndFrom1) {
+    prepareInstrumentA();
+    const std::string b = " --sim-state " + path("b.txt");
+    const std::string oneBased = b + " --sim-one-based-lists";
+    const ToolRun restored = run(oneBased + " --quiet --yes restore " + path("backup.csv"));
+    ASSERT_EQ(restored.exitCode, 0) << restored.err;
+    const ToolRun same = run(oneBased + " --quiet diff " + path("backup.csv"));
+    EXPECT_EQ(same.exitCode, 0) << same.out << same.err;
+    EXPECT_EQ(same.out, "");
+    ASSERT_EQ(run(oneBased + " --quiet backup " + path("again.csv")).exitCode, 0);
+    EXPECT_EQ(run(b + " --quiet diff " + path("again.csv")).out, "") << "the same points, numbered from 0";
+}
+
 TEST_F(ConfigTool, DiffShowsExactlyTheDifferingValuesAndChangesNothing) {
     prepareInstrumentA();
     std::string edited = test::readBytes(path("backup.csv"));

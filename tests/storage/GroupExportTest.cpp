@@ -7,6 +7,7 @@
 #include "tests/storage/StorageTestSupport.h"
 
 #include <cstdlib>
+#include <tuple>
 
 #ifndef VSS_GOLDEN_DIR
 #error "VSS_GOLDEN_DIR names the folder of the golden files"
@@ -45,26 +46,40 @@ std::string exportText(SettingGroup group, const DriverHandles& h, const test::S
     return test::readBytes(file);
 }
 
-class EveryGroup : public ::testing::TestWithParam<GroupDef> {};
+// Drivers number their lists from 0 or from 1; a file does not say which, so the same file comes out of both
+// and goes into both.
+struct ListBounds {
+    std::int16_t source = 0; // the first index of the lists of the instrument that writes the file
+    std::int16_t target = 0; // and of the one that reads it
+};
+
+void PrintTo(const ListBounds& b, std::ostream* out) {
+    *out << "lists from " << b.source << " into lists from " << b.target;
+}
+
+using GroupOnBounds = std::tuple<GroupDef, ListBounds>;
+
+class EveryGroup : public ::testing::TestWithParam<GroupOnBounds> {};
 
 TEST_P(EveryGroup, ExportMatchesTheGoldenFileByteForByte) {
+    const auto& [group, bounds] = GetParam();
     test::ScratchDir dir;
-    test::SimSession instrument;
+    test::SimSession instrument(bounds.source);
     test::setNonDefaultValues(instrument.handles);
-    const std::string actual = exportText(GetParam().group, instrument.handles, dir);
-    const std::string golden = std::string(VSS_GOLDEN_DIR) + "/" + std::string(GetParam().name) + ".csv";
-    if (std::getenv("VSS_UPDATE_GOLDEN") != nullptr)
+    const std::string actual = exportText(group.group, instrument.handles, dir);
+    const std::string golden = std::string(VSS_GOLDEN_DIR) + "/" + std::string(group.name) + ".csv";
+    if (std::getenv("VSS_UPDATE_GOLDEN") != nullptr && bounds.source == 0)
         std::ofstream(golden, std::ios::binary) << actual;
     EXPECT_EQ(actual, test::readBytes(golden)) << "set VSS_UPDATE_GOLDEN=1 to rewrite " << golden;
 }
 
-class EveryImportableGroup : public ::testing::TestWithParam<GroupDef> {};
+class EveryImportableGroup : public ::testing::TestWithParam<GroupOnBounds> {};
 
 TEST_P(EveryImportableGroup, ImportOntoAFactoryFreshInstrumentRestoresEveryValue) {
-    const GroupDef& group = GetParam();
+    const auto& [group, bounds] = GetParam();
     test::ScratchDir dir;
-    test::SimSession source;
-    test::SimSession target;
+    test::SimSession source(bounds.source);
+    test::SimSession target(bounds.target);
     const std::string factory = exportText(group.group, source.handles, dir);
     test::setNonDefaultValues(source.handles);
     const std::string file = dir.path("group.csv");
@@ -77,9 +92,12 @@ TEST_P(EveryImportableGroup, ImportOntoAFactoryFreshInstrumentRestoresEveryValue
     EXPECT_EQ(dataLines(exportText(group.group, target.handles, dir)), dataLines(test::readBytes(file)));
 }
 
-std::string groupTestName(const ::testing::TestParamInfo<GroupDef>& param) {
-    std::string name(param.param.name);
+std::string groupTestName(const ::testing::TestParamInfo<GroupOnBounds>& param) {
+    const auto& [group, bounds] = param.param;
+    std::string name(group.name);
     std::erase(name, '-');
+    if (bounds.source != 0 || bounds.target != 0)
+        name += "_lists" + std::to_string(bounds.source) + "to" + std::to_string(bounds.target);
     return name;
 }
 
@@ -91,9 +109,14 @@ std::vector<GroupDef> importableGroups() {
     return out;
 }
 
-INSTANTIATE_TEST_SUITE_P(Groups, EveryGroup, ::testing::ValuesIn(settingGroups().begin(), settingGroups().end()),
+INSTANTIATE_TEST_SUITE_P(Groups, EveryGroup,
+                         ::testing::Combine(::testing::ValuesIn(settingGroups().begin(), settingGroups().end()),
+                                            ::testing::Values(ListBounds{0, 0}, ListBounds{1, 1})),
                          groupTestName);
-INSTANTIATE_TEST_SUITE_P(Groups, EveryImportableGroup, ::testing::ValuesIn(importableGroups()), groupTestName);
+INSTANTIATE_TEST_SUITE_P(Groups, EveryImportableGroup,
+                         ::testing::Combine(::testing::ValuesIn(importableGroups()),
+                                            ::testing::Values(ListBounds{0, 0}, ListBounds{0, 1}, ListBounds{1, 0})),
+                         groupTestName);
 
 TEST(GroupImport, ValuesComeBackExactOrRoundedTo15Digits) {
     test::ScratchDir dir;

@@ -1,7 +1,7 @@
 #pragma once
 
-// A session on a simulated instrument with no memory file, and a state that differs from the factory values in
-// every group.
+// A session on a simulated instrument with no memory file (its lists numbered from listLower), and a state that
+// differs from the factory values in every group.
 
 #include "driver/Handles.h"
 #include "driver/sim/SimInstrument.h"
@@ -13,7 +13,9 @@ namespace vss::test {
 
 class SimSession {
 public:
-    SimSession() : instrument_(sim::SimOptions{":memory:"}), object_(instrument_.createObject()) {
+    explicit SimSession(std::int16_t listLower = 0)
+        : instrument_(sim::SimOptions{.statePath = ":memory:", .listLower = listLower}),
+          object_(instrument_.createObject()) {
         acquireHandles(*object_, handles);
         handles.driver->Open("QTB::R2208C");
         handles.service->BeginService();
@@ -82,15 +84,17 @@ inline void setNonDefaultValues(const DriverHandles& h) {
     for (double& c : coef.coef)
         c = c * 1.5 + 1e-13;
     s.SetPiezoCalCoef(coef);
-    for (std::size_t i = 0; i < s.GetPiezoAdjustList().size(); ++i)
-        s.SetPiezoAdjust(static_cast<std::int16_t>(i), 1000 + static_cast<std::int32_t>(i) * 3);
+    const NameList points = s.GetPiezoAdjustList();
+    for (std::size_t k = 0; k < points.size(); ++k)
+        s.SetPiezoAdjust(points.indexAt(k), 1000 + static_cast<std::int32_t>(k) * 3);
     PiezoControlData control = s.GetPiezoControlData();
     for (auto* column : {&control.lth, &control.ta, &control.ks, &control.lstep, &control.tstep})
         for (double& v : *column)
             v = v * 2 + 0.000000001;
     s.SetPiezoControlData(control);
-    for (std::size_t i = 0; i < s.GetBacklashCompensationList().size(); ++i)
-        s.SetBacklashCompensation(static_cast<std::int16_t>(i), 90 + static_cast<std::int32_t>(i));
+    const NameList entries = s.GetBacklashCompensationList();
+    for (std::size_t k = 0; k < entries.size(); ++k)
+        s.SetBacklashCompensation(entries.indexAt(k), 90 + static_cast<std::int32_t>(k));
 }
 
 } // namespace vss::test

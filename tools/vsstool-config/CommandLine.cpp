@@ -56,6 +56,8 @@ ParseResult parseCommandLine(const std::vector<std::string>& args) {
             line.simulate = true;
         } else if (arg == "--power-cycle") {
             line.powerCycle = true;
+        } else if (arg == "--sim-one-based-lists") {
+            line.oneBasedLists = true;
         } else if (arg == "--sim-state" || arg == "--sim-scenario" || arg == "--trace" ||
                    arg == "--catalogue") {
             std::string& file = arg == "--trace"          ? line.trace
@@ -128,6 +130,8 @@ std::string_view usageText() {
            "                      the simulated instrument's timed inputs and faults\n"
            "  --power-cycle       start the simulated instrument as after switching it off and on: its working\n"
            "                      values from its non-volatile memory\n"
+           "  --sim-one-based-lists\n"
+           "                      number the simulated instrument's lists from 1, as some drivers do\n"
            "  --trace FILE        append every driver call to FILE\n"
            "  --catalogue FILE    the spinstand catalogue (default: VssTool.ini beside the program)\n"
            "  --quiet             print only errors, warnings and differences\n"

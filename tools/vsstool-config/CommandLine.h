@@ -21,6 +21,7 @@ struct Action {
 struct CommandLine {
     bool simulate = false;
     bool powerCycle = false; // the simulated instrument starts from its non-volatile memory
+    bool oneBasedLists = false; // the simulated instrument numbers its lists from 1
     std::string simState;
     std::string simScenario; // timed inputs and faults for the simulated instrument
     std::string trace;

@@ -362,6 +362,7 @@ int runTool(const CommandLine& line, std::istream& in, std::ostream& out, std::o
     options.simStatePath = line.simState;
     options.simScenario = line.simScenario;
     options.simPowerCycle = line.powerCycle;
+    options.simOneBasedLists = line.oneBasedLists;
     try {
         if (!line.trace.empty())
             options.trace = std::make_shared<TraceFile>(line.trace);

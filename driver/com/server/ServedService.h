@@ -299,9 +299,9 @@ private:
     static void giveNamedCodes(const NamedCodes& list, VARIANT* names, VARIANT* codes) {
         Served<vss::IDriver>::giveNamedCodes(list, names, codes);
     }
-    static void giveList(const std::vector<std::string>& list, VARIANT* target) {
+    static void giveList(const NameList& list, VARIANT* target) {
         VARIANT& t = out(target);
-        t = listVariant(list);
+        t = listVariant(list.names, list.lower);
     }
     static void giveValue(const Variant& value, VARIANT* target) {
         VARIANT& t = out(target);
@@ -323,7 +323,8 @@ private:
         VARIANT& i = out(ids);
         VARIANT& n = out(names);
         VARIANT& u = out(units);
-        OwnedVariant idsV(listVariant(list.ids)), namesV(listVariant(list.names)), unitsV(listVariant(list.units));
+        OwnedVariant idsV(listVariant(list.ids, list.lower)), namesV(listVariant(list.names, list.lower)),
+            unitsV(listVariant(list.units, list.lower));
         i = idsV.release();
         n = namesV.release();
         u = unitsV.release();

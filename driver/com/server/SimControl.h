@@ -11,7 +11,7 @@ namespace vss::com {
 
 // The simulator's class, registered under "Vlkd2208.CoDriver" by the server's self-registration.
 inline constexpr Guid kSimulatorClsid = Guid::parse("{47E85834-3E6B-45F0-8AF8-73D87792759D}");
-inline constexpr Guid kSimControlIid = Guid::parse("{1138978C-5E1E-4927-BBEC-3EDC8D053D12}");
+inline constexpr Guid kSimControlIid = Guid::parse("{25B974F0-B6C1-4797-9BC8-7A6A1EB7CA42}");
 
 struct ISimControl : IUnknown {
     // Every call the instrument has seen since the last ClearTrace, one line each, joined by '\n'.
@@ -22,8 +22,9 @@ struct ISimControl : IUnknown {
     // operation: "Interface.Operation"; times > 0: the next `times` calls, < 0: until ClearFailures.
     virtual HRESULT STDMETHODCALLTYPE FailOperation(BSTR operation, BSTR description, long times) = 0;
     virtual HRESULT STDMETHODCALLTYPE ClearFailures() = 0;
-    // Driver objects created from now on run on a new instrument with this non-volatile file (":memory:": none).
-    virtual HRESULT STDMETHODCALLTYPE RestartInstrument(BSTR statePath) = 0;
+    // Driver objects created from now on run on a new instrument with this non-volatile file (":memory:": none)
+    // whose lists start at index listLower (0, or 1 to play a driver that numbers its lists from 1).
+    virtual HRESULT STDMETHODCALLTYPE RestartInstrument(BSTR statePath, long listLower) = 0;
     virtual HRESULT STDMETHODCALLTYPE GetAllocationCounts(AllocationCounts* counts) = 0;
 };
 

@@ -25,9 +25,10 @@ std::atomic<long> serverLocks{0};
 std::mutex instrumentMutex;
 std::shared_ptr<sim::SimInstrument> currentInstrument;
 
-std::shared_ptr<sim::SimInstrument> newInstrument(std::string statePath) {
+std::shared_ptr<sim::SimInstrument> newInstrument(std::string statePath, std::int16_t listLower = 0) {
     sim::SimOptions options;
     options.statePath = std::move(statePath);
+    options.listLower = listLower;
     return std::make_shared<sim::SimInstrument>(options);
 }
 
@@ -89,9 +90,12 @@ public:
     HRESULT STDMETHODCALLTYPE ClearFailures() override {
         return control([&] { instrument_->clearFailures(); });
     }
-    HRESULT STDMETHODCALLTYPE RestartInstrument(BSTR statePath) override {
+    HRESULT STDMETHODCALLTYPE RestartInstrument(BSTR statePath, long listLower) override {
         return control([&] {
-            auto fresh = newInstrument(textOrEmpty(statePath));
+            if (listLower != 0 && listLower != 1)
+                throw DriverError("The simulated instrument numbers its lists from 0 or 1, not " +
+                                  std::to_string(listLower) + ".");
+            auto fresh = newInstrument(textOrEmpty(statePath), static_cast<std::int16_t>(listLower));
             std::lock_guard lock(instrumentMutex);
             currentInstrument = std::move(fresh);
         });
