@@ -110,8 +110,16 @@ QString sceneName(const Scene& scene, const QWidget& w) {
     return className.section(QStringLiteral("::"), -1);
 }
 
+// A window that cannot be built on this instrument is reported, and the others are still rendered.
 bool render(const Scene& scene, const QDir& dir) {
-    const std::unique_ptr<QWidget> w = scene.make();
+    std::unique_ptr<QWidget> w;
+    try {
+        w = scene.make();
+    } catch (const std::exception& e) {
+        std::fprintf(stderr, "could not render %s: %s\n",
+                     qPrintable(scene.file.isEmpty() ? QStringLiteral("a window") : scene.file), e.what());
+        return false;
+    }
     w->show();
     // Let the windows that poll the instrument every 200 ms show their first readings.
     QEventLoop settle;
@@ -147,7 +155,8 @@ int runScreenshots(const QString& dirPath, DriverOptions options) {
 
     options.forceSimulator = true;
     if (!options.simulator && options.simStatePath.empty())
-        options.simulator = std::make_shared<sim::SimInstrument>(sim::SimOptions{":memory:"});
+        options.simulator = std::make_shared<sim::SimInstrument>(sim::SimOptions{
+            .statePath = ":memory:", .listLower = static_cast<std::int16_t>(options.simOneBasedLists ? 1 : 0)});
     options.simScenario.clear(); // the windows are rendered as they stand, without timed steps
     globals().driverOptions = options; // the front panel's scene shows this instrument
 
