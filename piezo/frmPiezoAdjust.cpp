@@ -17,7 +17,7 @@ constexpr int kRowHeight = 300;
 } // namespace
 
 AdjustRows::AdjustRows(QWidget* frame, int rows, int left, int top, int width)
-    : read_(static_cast<std::size_t>(rows)) {
+    : read_(static_cast<std::size_t>(rows)), inUse_(static_cast<std::size_t>(rows)) {
     for (int i = 0; i < rows; ++i) {
         const QByteArray name = "usrAdjust_" + QByteArray::number(i);
         rows_.push_back(
@@ -26,41 +26,40 @@ AdjustRows::AdjustRows(QWidget* frame, int rows, int left, int top, int width)
 }
 
 void AdjustRows::setLabels(const NameList& points) {
-    lower_ = points.lower;
-    inUse_ = static_cast<int>(std::min(points.size(), rows_.size()));
-    for (int i = 0; i < static_cast<int>(rows_.size()); ++i) {
-        userProperty* row = rows_[static_cast<std::size_t>(i)];
-        row->setVisible(i < inUse_);
-        if (i < inUse_)
-            row->setCaption(QString::fromStdString(points.names[static_cast<std::size_t>(i)]));
+    for (std::size_t i = 0; i < rows_.size(); ++i) {
+        const std::int64_t element = static_cast<std::int64_t>(i) - points.lower;
+        inUse_[i] = element >= 0 && element < static_cast<std::int64_t>(points.size());
+        rows_[i]->setVisible(inUse_[i]);
+        if (inUse_[i])
+            rows_[i]->setCaption(QString::fromStdString(points.names[static_cast<std::size_t>(element)]));
     }
 }
 
 void AdjustRows::refreshAll() {
-    for (int i = 0; i < inUse_; ++i)
-        refresh(i);
+    for (std::size_t i = 0; i < rows_.size(); ++i) {
+        if (inUse_[i])
+            refresh(static_cast<int>(i));
+    }
 }
 
-void AdjustRows::refresh(int row) {
-    const std::int32_t dac = handles().service->GetPiezoAdjust(pointAt(row));
-    read_[static_cast<std::size_t>(row)] = dac;
-    showValue(rows_[static_cast<std::size_t>(row)], Variant(dac));
+void AdjustRows::refresh(int index) {
+    const std::int32_t dac = handles().service->GetPiezoAdjust(static_cast<std::int16_t>(index));
+    read_[static_cast<std::size_t>(index)] = dac;
+    showValue(rows_[static_cast<std::size_t>(index)], Variant(dac));
 }
 
-std::optional<std::int32_t> AdjustRows::edited(int row) const {
-    const auto at = static_cast<std::size_t>(row);
-    const Variant value = rows_[at]->Value();
-    if (value.type() != Variant::Type::Int32 || value.int32() == read_[at])
+std::optional<std::int32_t> AdjustRows::edited(int index) const {
+    const auto row = static_cast<std::size_t>(index);
+    const Variant value = rows_[row]->Value();
+    if (value.type() != Variant::Type::Int32 || value.int32() == read_[row])
         return std::nullopt;
     return value.int32();
 }
 
-void AdjustRows::write(int row, std::int32_t dac) {
-    handles().service->SetPiezoAdjust(pointAt(row), dac);
-    read_[static_cast<std::size_t>(row)].reset();
+void AdjustRows::write(int index, std::int32_t dac) {
+    handles().service->SetPiezoAdjust(static_cast<std::int16_t>(index), dac);
+    read_[static_cast<std::size_t>(index)].reset();
 }
-
-std::int16_t AdjustRows::pointAt(int row) const { return static_cast<std::int16_t>(lower_ + row); }
 
 int AdjustRows::bottomTwips(int rows, int top) {
     return top + (rows - 1) * kRowPitch + kRowHeight;

@@ -20,37 +20,33 @@ namespace vss {
 
 class userProperty;
 
-// The DAC adjust values as labelled rows named usrAdjust_<i>, one per point of the instrument's adjust list.
-// The list gives the labels and the points' indexes: row i shows the list's element i, whose index the
-// instrument numbers from the list's lower bound. Rows beyond the list are hidden, points beyond the rows are
-// not shown. A commit that leaves a row's value as the instrument gave it (the keyboard passing through) is
-// not an edit.
+// The DAC adjust values as labelled fields usrAdjust_<i>, 0 to rows - 1. Field i shows the point whose index
+// in the instrument's adjust list is i: the element at that index labels it, and the point is read and written
+// with that index. A field whose index the list does not hold is hidden and never read; points beyond the
+// fields are not shown. A commit that leaves a field's value as the instrument gave it (the keyboard passing
+// through) is not an edit.
 class AdjustRows {
 public:
     AdjustRows(QWidget* frame, int rows, int left, int top, int width);
 
-    // The instrument's list: labels the rows it has and decides how many are in use.
+    // The instrument's list: labels the fields whose index it holds and hides the others.
     void setLabels(const NameList& points);
-    // Reads every row in use, in index order; one row.
+    // Reads every field in use, in index order; one field.
     void refreshAll();
-    void refresh(int row);
-    // The value committed in a row, when it is a number other than the one last read.
-    std::optional<std::int32_t> edited(int row) const;
-    // Writes a row's point. Until it is read back, whatever the row then holds counts as an edit.
-    void write(int row, std::int32_t dac);
+    void refresh(int index);
+    // The value committed in a field, when it is a number other than the one last read.
+    std::optional<std::int32_t> edited(int index) const;
+    // Writes a point. Until it is read back, whatever the field then holds counts as an edit.
+    void write(int index, std::int32_t dac);
 
-    int inUse() const { return inUse_; }
     const std::vector<userProperty*>& rows() const { return rows_; }
     // The bottom of the last of `rows` rows placed from `top`, twips inside the frame.
     static int bottomTwips(int rows, int top);
 
 private:
-    std::int16_t pointAt(int row) const; // the instrument's index of the point in a row
-
     std::vector<userProperty*> rows_;
     std::vector<std::optional<std::int32_t>> read_; // empty: not read since the last write
-    int inUse_ = 0;
-    std::int16_t lower_ = 0; // the index of the point in row 0
+    std::vector<bool> inUse_;                       // the list holds the field's index
 };
 
 class frmPiezoAdjust : public PollingForm {

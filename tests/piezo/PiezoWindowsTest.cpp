@@ -114,29 +114,32 @@ TEST_F(PiezoWindows, AnAdjustEditShowsWhatTheInstrumentKeptAndTheSerialIsWritten
     });
 }
 
-// A driver that numbers its lists from 1: row i shows the list's element i, at the instrument's index i + 1.
-TEST(PiezoWindowsOnOneBasedLists, EveryRowReadsAndWritesThePointOfItsLabel) {
+// A driver that numbers its lists from 1: field i shows the point of index i, so field 0 has no point and is
+// hidden, and no index outside the list reaches the driver.
+TEST(PiezoWindowsOnOneBasedLists, EveryFieldShowsThePointOfItsIndex) {
     WindowHarness harness(sim::SimOptions{.statePath = ":memory:", .listLower = 1});
     harness.openSession();
     service().SetPiezoAdjust(1, 1001);
-    service().SetPiezoAdjust(5, 1005);
-    auto rowsShowTheirPoints = [&](QWidget& w) {
-        EXPECT_EQ(WindowHarness::control<userProperty>(w, "usrAdjust_0").Caption(), "Zero");
-        EXPECT_EQ(shownText(w, "usrAdjust_0"), "1001");
-        EXPECT_EQ(WindowHarness::control<userProperty>(w, "usrAdjust_4").Caption(), "Bias");
-        EXPECT_EQ(shownText(w, "usrAdjust_4"), "1005");
-        harness.clearTrace();
-        enterValue(w, "usrAdjust_4", "3000");
-        EXPECT_EQ(writes(harness.trace()), (Lines{"IDriverService.SetPiezoAdjust(5, 3000)"}));
-        EXPECT_EQ(shownText(w, "usrAdjust_4"), "2047") << "read back from the same point";
-        service().SetPiezoAdjust(5, 1005);
+    service().SetPiezoAdjust(4, 1004);
+    auto fieldsShowTheirPoints = [&](QWidget& w) {
+        EXPECT_FALSE(WindowHarness::control(w, "usrAdjust_0").isVisible());
+        EXPECT_EQ(WindowHarness::control<userProperty>(w, "usrAdjust_1").Caption(), "Zero");
+        EXPECT_EQ(shownText(w, "usrAdjust_1"), "1001");
+        EXPECT_EQ(WindowHarness::control<userProperty>(w, "usrAdjust_4").Caption(), "Offset Y");
+        EXPECT_EQ(shownText(w, "usrAdjust_4"), "1004");
     };
     withWindow<frmFacPiezo>(harness, [&](frmFacPiezo& w) {
-        rowsShowTheirPoints(w);
+        fieldsShowTheirPoints(w);
+        EXPECT_EQ(WindowHarness::control<userProperty>(w, "usrAdjust_5").Caption(), "Bias");
+        harness.clearTrace();
+        enterValue(w, "usrAdjust_5", "3000");
+        EXPECT_EQ(writes(harness.trace()), (Lines{"IDriverService.SetPiezoAdjust(5, 3000)"}));
+        EXPECT_EQ(shownText(w, "usrAdjust_5"), "2047") << "read back from the same point";
         EXPECT_EQ(WindowHarness::control<userProperty>(w, "usrCalCoef_0").Caption(), "K0")
             << "the coefficients pair with their names by position";
     });
-    withWindow<frmPiezoAdjust>(harness, [&](frmPiezoAdjust& w) { rowsShowTheirPoints(w); });
+    withWindow<frmPiezoAdjust>(harness, [&](frmPiezoAdjust& w) { fieldsShowTheirPoints(w); });
+    EXPECT_FALSE(contains(harness.trace(), "GetPiezoAdjust(0)"));
     EXPECT_TRUE(harness.messages().empty());
 }
 
