@@ -10,6 +10,7 @@
 #include "kit/modGlobal.h"
 #include "storage/modConfigFile.h"
 #include "tests/support/FailureSweep.h"
+#include "tests/support/FieldInput.h"
 
 #include <QFile>
 #include <QLineEdit>
@@ -22,6 +23,8 @@
 namespace vss {
 namespace {
 
+using testing::fieldBox;
+using testing::shownText;
 using testing::WindowHarness;
 using Lines = std::vector<std::string>;
 
@@ -39,22 +42,14 @@ Lines calls(const WindowHarness& harness) {
     return kept;
 }
 
-QLineEdit& box(QWidget& w, const char* field) {
-    return *WindowHarness::control(w, field).findChild<QLineEdit*>(QStringLiteral("txt"));
-}
-
-std::string shown(QWidget& w, const char* field) {
-    return box(w, field).text().toStdString();
-}
-
 // Focus into the field, type text if any, then Enter (or the key given).
 void commit(QWidget& w, const char* field, const QString& text = {}, Qt::Key key = Qt::Key_Return) {
-    box(w, field).setFocus();
+    fieldBox(w, field).setFocus();
     if (!text.isEmpty()) {
-        box(w, field).selectAll();
-        QTest::keyClicks(&box(w, field), text);
+        fieldBox(w, field).selectAll();
+        QTest::keyClicks(&fieldBox(w, field), text);
     }
-    QTest::keyClick(&box(w, field), key);
+    QTest::keyClick(&fieldBox(w, field), key);
 }
 
 // Presses a button with the space bar: the focus stays where it is, so no field commits on the way.
@@ -87,10 +82,10 @@ TEST(MeasurementPositions, OpensWithSevenReadsAndEveryStopperCommitWritesAndRere
     harness.clearTrace();
     withPage(harness, page(), [&](frmCus& w) {
         EXPECT_EQ(calls(harness), kRefreshAll);
-        EXPECT_EQ(shown(w, "usrRadiusID"), "12.50");
+        EXPECT_EQ(shownText(w, "usrRadiusID"), "12.50");
         EXPECT_EQ(WindowHarness::control<userText>(w, "usrRadiusID").OptStr(), "mm");
-        EXPECT_FALSE(box(w, "usrStopperOD").isReadOnly());
-        EXPECT_TRUE(box(w, "usrSkewOD").isReadOnly());
+        EXPECT_FALSE(fieldBox(w, "usrStopperOD").isReadOnly());
+        EXPECT_TRUE(fieldBox(w, "usrSkewOD").isReadOnly());
 
         // Enter, then leaving the field: one write each, the same value, and only the inner side read back.
         const double inner = handles().service->GetStopperPosition(0);
@@ -104,12 +99,12 @@ TEST(MeasurementPositions, OpensWithSevenReadsAndEveryStopperCommitWritesAndRere
                       Lines(kRefreshAll.begin(), kRefreshAll.begin() + 2));
             EXPECT_EQ(handles().service->GetStopperPosition(0), inner);
         }
-        const std::string radius = shown(w, "usrRadiusOD");
+        const std::string radius = shownText(w, "usrRadiusOD");
         commit(w, "usrStopperOD", QStringLiteral("20"));
         EXPECT_EQ(handles().service->GetStopperPosition(1), 20.0);
         EXPECT_EQ(WindowHarness::control<userText>(w, "usrRadiusOD").Value().toDouble(),
                   handles().service->GetMeasurementPosition(1).radius);
-        EXPECT_NE(shown(w, "usrRadiusOD"), radius);
+        EXPECT_NE(shownText(w, "usrRadiusOD"), radius);
 
         // Text is not taken: the value is written unchanged. A refused stopper is reported once, not read
         // back.
@@ -183,7 +178,7 @@ TEST(MeasurementPositions, GroupButtonsSaveRecallExportAndImport) {
                   4);
         EXPECT_EQ(Lines(made.end() - 7, made.end()), kRefreshAll);
         EXPECT_EQ(handles().service->GetStopperPosition(1), outer);
-        EXPECT_EQ(shown(w, "usrOFST"), "6.000") << "the stage block is not imported";
+        EXPECT_EQ(shownText(w, "usrOFST"), "6.000") << "the stage block is not imported";
     });
     EXPECT_TRUE(harness.messages().empty());
     EXPECT_EQ(harness.fileDialogs()[0].title, "Export Customer Configuration");
@@ -232,13 +227,13 @@ TEST(StageConfiguration, CancelRestoresTheValuesOfTheOpeningAfterAnEditAndAnImpo
     harness.answerFileDialog(file);
     withPage(harness, page(), [&](frmCus& w) {
         harness.whenActive<frmCusStageConfig>([&](frmCusStageConfig& stage) {
-            box(stage, "usrTCRP").setFocus(); // the field left commits: not watched here
+            fieldBox(stage, "usrTCRP").setFocus(); // the field left commits: not watched here
             harness.clearTrace();
             commit(stage, "usrTCRP", QStringLiteral("72"));
             EXPECT_EQ(calls(harness), (Lines{"IDriverService.SetStageGeometry(1, 72)",
                                              "IDriverService.GetStageGeometry(1)"}));
             press(stage, "cmdImport");
-            EXPECT_EQ(shown(stage, "usrTCSC"), "90.00");
+            EXPECT_EQ(shownText(stage, "usrTCSC"), "90.00");
             harness.clearTrace();
             press(stage, "cmdCancel");
             EXPECT_EQ(calls(harness), (Lines{"IDriverService.SetStageGeometry(0, 79)",
@@ -246,7 +241,7 @@ TEST(StageConfiguration, CancelRestoresTheValuesOfTheOpeningAfterAnEditAndAnImpo
                                              "IDriverService.SetStageGeometry(2, 5)"}));
         });
         press(w, "cmdAdvanced");
-        EXPECT_EQ(shown(w, "usrTCRP"), "70.00");
+        EXPECT_EQ(shownText(w, "usrTCRP"), "70.00");
     });
     EXPECT_EQ(handles().service->GetStageGeometry(0), 79.0);
     EXPECT_EQ(handles().service->GetStageGeometry(1), 70.0);

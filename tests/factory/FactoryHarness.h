@@ -4,6 +4,7 @@
 // keys.
 
 #include "kit/modGlobal.h"
+#include "tests/support/FieldInput.h"
 #include "tests/support/WindowHarness.h"
 
 #include <QComboBox>
@@ -32,22 +33,9 @@ inline Lines writesOf(const Lines& lines) {
     return kept;
 }
 
-// The text box and the list inside a value field.
-inline QLineEdit& fieldBox(QWidget& window, const char* field) {
-    return *WindowHarness::control(window, field).findChild<QLineEdit*>(QStringLiteral("txt"));
-}
+// The list inside a value field.
 inline QComboBox& fieldList(QWidget& window, const char* field) {
     return *WindowHarness::control(window, field).findChild<QComboBox*>(QStringLiteral("cmb"));
-}
-
-// Types into a value field and commits with Enter (or leaves it with Tab).
-inline void enterValue(QWidget& window, const char* field, const QString& text,
-                       Qt::Key key = Qt::Key_Return) {
-    QLineEdit& box = fieldBox(window, field);
-    box.setFocus();
-    box.selectAll();
-    QTest::keyClicks(&box, text);
-    QTest::keyClick(&box, key);
 }
 
 // Moves a list field's selection one entry down (up from the last entry) with an arrow key.

@@ -6,6 +6,7 @@
 #include "app/frmOpen.h"
 #include "operation/OperationWindows.h"
 #include "operation/frmIni.h"
+#include "tests/support/FieldInput.h"
 #include "tests/support/WindowHarness.h"
 
 #include <QLineEdit>
@@ -35,24 +36,6 @@ inline std::string textOf(QWidget& window, const char* name) {
     return WindowHarness::control<QLineEdit>(window, name).text().toStdString();
 }
 
-// The text box inside a value field (a userText, or the text editor of a userProperty).
-inline QLineEdit& fieldBox(QWidget& window, const char* fieldName) {
-    QWidget& field = WindowHarness::control(window, fieldName);
-    QLineEdit* box = field.findChild<QLineEdit*>(QStringLiteral("txt"));
-    if (!box)
-        throw std::logic_error(std::string("no text box in ") + fieldName);
-    return *box;
-}
-
-// Types into a value field and commits with Enter.
-inline void enterValue(QWidget& window, const char* fieldName, const QString& text) {
-    QLineEdit& box = fieldBox(window, fieldName);
-    box.setFocus();
-    box.selectAll();
-    QTest::keyClicks(&box, text);
-    QTest::keyClick(&box, Qt::Key_Return);
-}
-
 // The trace lines that change the instrument or read what a command reads, without the timer's polling.
 inline std::vector<std::string> withoutPolling(const std::vector<std::string>& lines) {
     std::vector<std::string> kept;
@@ -70,11 +53,6 @@ inline std::vector<std::string> commandCalls(const std::vector<std::string>& lin
         kept.begin(), kept.end(), [](const std::string& l) { return l.starts_with("IDriver.GetState()"); });
     kept.erase(refresh, kept.end());
     return kept;
-}
-
-inline bool contains(const std::vector<std::string>& lines, std::string_view part) {
-    return std::any_of(lines.begin(), lines.end(),
-                       [part](const std::string& l) { return l.find(part) != std::string::npos; });
 }
 
 } // namespace vss::testing

@@ -9,6 +9,7 @@
 #include "operation/frmIniPiezo.h"
 #include "operation/frmIniSetting.h"
 #include "storage/modConfigFile.h"
+#include "tests/support/FieldInput.h"
 #include "tests/support/FailureSweep.h"
 
 #include <QComboBox>
@@ -20,18 +21,10 @@
 namespace vss {
 namespace {
 
+using testing::enterValue;
 using testing::FailureEnds;
 using testing::SweptHandler;
 using testing::WindowHarness;
-
-// Types into a value field and commits with Enter.
-void enterValue(QWidget& window, const char* fieldName, const QString& text) {
-    auto* box = WindowHarness::control(window, fieldName).findChild<QLineEdit*>(QStringLiteral("txt"));
-    box->setFocus();
-    box->selectAll();
-    QTest::keyClicks(box, text);
-    QTest::keyClick(box, Qt::Key_Return);
-}
 
 // The instrument at home with its spindle stopped; spinning; loaded.
 void atHome(WindowHarness&) {

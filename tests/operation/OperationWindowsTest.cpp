@@ -18,6 +18,7 @@ namespace vss {
 namespace {
 
 using testing::contains;
+using testing::writes;
 using testing::enterValue;
 using testing::fieldBox;
 using testing::textOf;
@@ -36,15 +37,6 @@ void fromPanel(WindowHarness& harness, const char* button, std::function<void(W&
         });
         WindowHarness::click(panel, button);
     });
-}
-
-Lines writes(const Lines& lines) {
-    Lines kept;
-    for (const std::string& l : lines)
-        if (l.find(".Set") != std::string::npos || l.find(".Save") != std::string::npos ||
-            l.find(".Recall") != std::string::npos)
-            kept.push_back(l);
-    return kept;
 }
 
 TEST(MeasurementSettings, SettingTheLoadPositionSendsOnlyTheRadii) {

@@ -2,6 +2,7 @@
 
 #include "kit/modGlobal.h"
 #include "service/frmSerSet.h"
+#include "tests/support/FieldInput.h"
 #include "tests/support/FailureSweep.h"
 #include "tests/support/WindowHarness.h"
 
@@ -20,30 +21,12 @@
 namespace vss {
 namespace {
 
+using testing::enterValue;
+using testing::fieldBox;
 using testing::SweptHandler;
 using testing::WindowHarness;
+using testing::writes;
 using Lines = std::vector<std::string>;
-
-Lines writes(const Lines& lines) {
-    Lines kept;
-    for (const std::string& l : lines)
-        if (l.find(".Set") != std::string::npos || l.find(".Save") != std::string::npos ||
-            l.find(".Recall") != std::string::npos)
-            kept.push_back(l);
-    return kept;
-}
-
-QLineEdit& fieldBox(QWidget& window, const char* field) {
-    return *WindowHarness::control(window, field).findChild<QLineEdit*>(QStringLiteral("txt"));
-}
-
-void enterValue(QWidget& window, const char* field, const QString& text) {
-    QLineEdit& box = fieldBox(window, field);
-    box.setFocus();
-    box.selectAll();
-    QTest::keyClicks(&box, text);
-    QTest::keyClick(&box, Qt::Key_Return);
-}
 
 QComboBox& modelList(QWidget& window) {
     return WindowHarness::control<QComboBox>(window, "cmbSpinstand");

@@ -5,6 +5,7 @@
 #include "driver/Trace.h"
 #include "kit/modGlobal.h"
 #include "service/frmSer.h"
+#include "tests/support/FieldInput.h"
 #include "tests/support/FailureSweep.h"
 #include "tests/support/WindowHarness.h"
 
@@ -18,6 +19,7 @@
 namespace vss {
 namespace {
 
+using testing::enterValue;
 using testing::WindowHarness;
 using Lines = std::vector<std::string>;
 
@@ -61,14 +63,6 @@ void click(QWidget& window, const char* name) {
 
 bool checked(QWidget& window, const char* name) {
     return WindowHarness::control<QRadioButton>(window, name).isChecked();
-}
-
-void enterValue(QWidget& window, const char* fieldName, const QString& text) {
-    auto* box = WindowHarness::control(window, fieldName).findChild<QLineEdit*>(QStringLiteral("txt"));
-    box->setFocus();
-    box->selectAll();
-    QTest::keyClicks(box, text);
-    QTest::keyClick(box, Qt::Key_Return);
 }
 
 // The driver calls without their results.
