@@ -1,8 +1,6 @@
 // The spinstand catalogue reader on arbitrary bytes, then every model it accepted applied to a simulated
 // instrument without a memory file. A failing catalogue must leave the table empty.
 
-#include "driver/Handles.h"
-#include "driver/sim/SimInstrument.h"
 #include "fuzz/storage/FuzzInput.h"
 #include "storage/modSsDefine.h"
 
@@ -17,20 +15,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (models.empty())
         return 0;
 
-    vss::sim::SimInstrument instrument(vss::sim::SimOptions{":memory:"});
-    auto object = instrument.createObject();
-    vss::DriverHandles h;
-    vss::acquireHandles(*object, h);
-    h.driver->Open("QTB::R2208C");
-    h.service->BeginService();
+    vss::fuzz::SimTarget target;
     constexpr std::size_t kAppliedModels = 4; // each model costs the same calls: a few tell all
     for (std::size_t i = 0; i < models.size() && i < kAppliedModels; ++i) {
         (void)vss::GetSpinstandName(static_cast<std::int16_t>(i));
         try {
-            vss::ApplySpinstandDefinition(static_cast<std::int16_t>(i), *h.service, sink);
+            vss::ApplySpinstandDefinition(static_cast<std::int16_t>(i), *target.handles.service, sink);
         } catch (const vss::DriverError&) {
         }
     }
-    h.driver->Close();
     return 0;
 }

@@ -11,7 +11,11 @@
 #include <string_view>
 #include <unistd.h>
 
+#include "driver/Handles.h"
+#include "driver/sim/SimInstrument.h"
 #include "storage/MessageSink.h"
+
+#include <memory>
 
 namespace vss::fuzz {
 
@@ -32,6 +36,26 @@ class CountingSink : public MessageSink {
 public:
     void show(std::string_view, std::string_view) override { ++count; }
     long count = 0;
+};
+
+// A simulated instrument without a memory file, opened in service mode, for what the input is applied to.
+class SimTarget {
+public:
+    SimTarget() {
+        acquireHandles(*object_, handles);
+        handles.driver->Open("QTB::R2208C");
+        handles.service->BeginService();
+    }
+    ~SimTarget() { handles.driver->Close(); }
+    SimTarget(const SimTarget&) = delete;
+    SimTarget& operator=(const SimTarget&) = delete;
+
+private:
+    sim::SimInstrument instrument_{sim::SimOptions{":memory:"}};
+    std::shared_ptr<DriverObject> object_ = instrument_.createObject();
+
+public:
+    DriverHandles handles;
 };
 
 } // namespace vss::fuzz
