@@ -3,7 +3,7 @@
 // The program's command line: the simulator, its state file and timing, the call trace, the spinstand
 // catalogue, the screenshot mode.
 
-#include "driver/Factory.h"
+#include "simulator/Factory.h"
 
 #include <QString>
 #include <QStringList>

@@ -2,7 +2,7 @@
 
 // The screenshot mode: renders every window of this build, on the simulated instrument, to PNG files.
 
-#include "driver/Factory.h"
+#include "simulator/Factory.h"
 
 #include "kit/Navigation.h"
 

@@ -3,7 +3,7 @@
 #include "driver/Handles.h"
 #include "app/frmOpen.h"
 #include "kit/modGlobal.h"
-#include "driver/Factory.h"
+#include "simulator/Factory.h"
 
 #include <QFont>
 #include <QLabel>

@@ -6,12 +6,13 @@
 #include "app/frmTop.h"
 #include "driver/DriverError.h"
 #include "kit/modGlobal.h"
-#include "simulator/frmSimPanel.h"
+#include "frontpanel/frmSimPanel.h"
 
 #include <QApplication>
 
 #if VSS_HAVE_COM
-#include "driver/com/ComClient.h"
+#include "com/ComClient.h"
+#include "simulator/Factory.h"
 #endif
 
 #include <clocale>
@@ -47,8 +48,9 @@ int main(int argc, char* argv[]) {
     std::setlocale(LC_TIME, ""); // the setting files' date and time in the system's forms, on every platform
 
 #if VSS_HAVE_COM
-    // The registered driver, where there is one; the simulator stands in otherwise.
-    vss::com::InstallPlatformResolver();
+    // The registered driver, where there is one; the simulator runs only when asked for (--simulate): a ProgID
+    // that is not registered is an error, so a broken driver installation never passes for the instrument.
+    vss::SetPlatformResolver(vss::com::ComDriverObject::create);
 #endif
     vss::setUpGlobals();
     vss::registerWindows(vss::menuWindows());

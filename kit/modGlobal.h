@@ -4,7 +4,7 @@
 // handles of the instrument session and how the driver object is made. Every window reads the handles from
 // here; no window keeps its own copy.
 
-#include "driver/Factory.h"
+#include "simulator/Factory.h"
 #include "driver/Handles.h"
 
 #include <array>

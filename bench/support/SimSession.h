@@ -5,7 +5,7 @@
 
 #include "kit/modGlobal.h"
 #include "driver/Handles.h"
-#include "driver/sim/SimInstrument.h"
+#include "simulator/SimInstrument.h"
 
 #include <memory>
 

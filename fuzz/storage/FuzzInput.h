@@ -12,7 +12,7 @@
 #include <unistd.h>
 
 #include "driver/Handles.h"
-#include "driver/sim/SimInstrument.h"
+#include "simulator/SimInstrument.h"
 #include "storage/MessageSink.h"
 
 #include <memory>

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "driver/Interfaces.h"
-#include "driver/com/ComValues.h"
-#include "driver/com/server/SimControl.h"
+#include "com/ComValues.h"
+#include "com/server/SimControl.h"
 
 #include <gtest/gtest.h>
 

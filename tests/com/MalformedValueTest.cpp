@@ -1,10 +1,10 @@
 // A deliberately bad driver object: results that break the contract must come back as DriverError naming the
 // operation and the fault, never as a crash or a wrong value.
 
-#include "driver/com/ComClient.h"
-#include "driver/com/server/Served.h"
-#include "driver/com/server/ServedService.h"
-#include "driver/sim/SimInstrument.h"
+#include "com/ComClient.h"
+#include "com/server/Served.h"
+#include "com/server/ServedService.h"
+#include "simulator/SimInstrument.h"
 #include "tests/com/ComTestSupport.h"
 
 #include <functional>

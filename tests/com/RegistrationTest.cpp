@@ -3,8 +3,8 @@
 // points are called directly, as regsvr32 does.
 //   com_registration_tests [gtest options] PATH-OF-VssSimDriver.dll
 
-#include "driver/com/ComValues.h"
-#include "driver/com/server/SimControl.h"
+#include "com/ComValues.h"
+#include "com/server/SimControl.h"
 
 #include <gtest/gtest.h>
 

@@ -2,8 +2,8 @@
 // instrument with the same calls and give back the same results; failures, creation and leaks.
 
 #include "driver/Trace.h"
-#include "driver/com/ComClient.h"
-#include "driver/sim/SimInstrument.h"
+#include "com/ComClient.h"
+#include "simulator/SimInstrument.h"
 #include "tests/com/ComTestSupport.h"
 
 #include <algorithm>

@@ -5,7 +5,7 @@
 
 #include "customer/frmCus.h"
 #include "customer/frmCusStageConfig.h"
-#include "driver/sim/StageGeometry.h"
+#include "simulator/StageGeometry.h"
 #include "kit/Messages.h"
 #include "kit/modGlobal.h"
 #include "storage/modConfigFile.h"

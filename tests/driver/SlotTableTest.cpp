@@ -2,7 +2,7 @@
 // test fails when an operation is missing, renamed or moved, and when a call through the simulator does not
 // reach the operation of that name or is traced under another name.
 
-#include "SimFixture.h"
+#include "tests/simulator/SimFixture.h"
 
 #include <span>
 

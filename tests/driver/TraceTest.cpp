@@ -1,9 +1,9 @@
 // The trace format that tests, the user's trace file and later checks read, the driver object's own events
 // (query, release, creation), fault injection and creation by ProgID.
 
-#include "SimFixture.h"
+#include "tests/simulator/SimFixture.h"
 
-#include "driver/Factory.h"
+#include "simulator/Factory.h"
 
 namespace vss::test {
 namespace {

@@ -2,7 +2,7 @@
 
 #include "driver/DriverError.h"
 #include "driver/Handles.h"
-#include "driver/sim/SimInstrument.h"
+#include "simulator/SimInstrument.h"
 #include "storage/modSsDefine.h"
 #include "tests/storage/StorageTestSupport.h"
 

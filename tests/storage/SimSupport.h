@@ -4,7 +4,7 @@
 // differs from the factory values in every group.
 
 #include "driver/Handles.h"
-#include "driver/sim/SimInstrument.h"
+#include "simulator/SimInstrument.h"
 
 #include <memory>
 #include <string>

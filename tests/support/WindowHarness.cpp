@@ -1,6 +1,6 @@
 #include "tests/support/WindowHarness.h"
 
-#include "driver/Factory.h"
+#include "simulator/Factory.h"
 #include "driver/Handles.h"
 #include "kit/Messages.h"
 #include "kit/modGlobal.h"

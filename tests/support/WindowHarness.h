@@ -10,7 +10,7 @@
 #include "kit/Form.h"
 #include "kit/Navigation.h"
 #include "kit/dlgConfigFile.h"
-#include "driver/sim/SimInstrument.h"
+#include "simulator/SimInstrument.h"
 
 #include <QApplication>
 #include <QString>

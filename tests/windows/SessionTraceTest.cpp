@@ -22,7 +22,8 @@
 #include <vector>
 
 #if VSS_HAVE_COM
-#include "driver/com/ComClient.h"
+#include "com/ComClient.h"
+#include "simulator/Factory.h"
 #endif
 
 namespace vss {
@@ -70,7 +71,7 @@ Lines readLines(const QString& path) {
 void useTheProgramsDriver() {
     DriverOptions& options = globals().driverOptions;
 #if VSS_HAVE_COM
-    com::InstallPlatformResolver();
+    SetPlatformResolver(com::ComDriverObject::create);
     options.forceSimulator = false;
     options.simulator = nullptr;
 #else

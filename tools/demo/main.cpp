@@ -3,9 +3,9 @@
 //
 //   vss-demo [--sim-delays]
 
-#include "driver/Factory.h"
+#include "simulator/Factory.h"
 #include "driver/Handles.h"
-#include "driver/sim/SimInstrument.h"
+#include "simulator/SimInstrument.h"
 
 #include <cstring>
 #include <iostream>

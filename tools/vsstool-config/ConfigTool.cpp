@@ -1,6 +1,6 @@
 #include "tools/vsstool-config/ConfigTool.h"
 
-#include "driver/Factory.h"
+#include "simulator/Factory.h"
 #include "driver/FileName.h"
 #include "storage/SettingDiff.h"
 #include "storage/modConfigFile.h"

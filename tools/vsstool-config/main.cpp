@@ -7,7 +7,8 @@
 #include "tools/vsstool-config/ConfigTool.h"
 
 #ifdef VSS_HAVE_COM
-#include "driver/com/ComClient.h"
+#include "com/ComClient.h"
+#include "simulator/Factory.h"
 #endif
 
 #include <clocale>
@@ -64,7 +65,7 @@ int main(int argc, char** argv) {
     using namespace vss::config;
     std::setlocale(LC_TIME, ""); // the report header's date and time in the system's forms
 #ifdef VSS_HAVE_COM
-    vss::com::InstallPlatformResolver(); // the real driver where it is installed
+    vss::SetPlatformResolver(vss::com::ComDriverObject::create); // the registered driver, as in vsstool
     constexpr bool driverInstalled = true;
 #else
     constexpr bool driverInstalled = false;
