@@ -72,7 +72,7 @@ std::vector<Scene> scenes() {
         {QStringLiteral("frmVersion-factory"), versionWindow(true)},
         {QStringLiteral("controls"), [] { return std::unique_ptr<QWidget>(createControlsGallery(nullptr)); }},
         {QStringLiteral("frmSimPanel"), [] {
-             return std::make_unique<frmSimPanel>(SimulatedInstrument(globals().driverOptions));
+             return std::make_unique<frmSimPanel>(simulatedInstrument(globals().driverOptions));
          }},
     };
     for (ScreenshotScenes (*library)() :
@@ -163,7 +163,7 @@ int runScreenshots(const QString& dirPath, DriverOptions options) {
     DriverHandles& h = handles();
     bool ok = true;
     try {
-        std::shared_ptr<DriverObject> object = CreateDriverObject(globals().driverProgId, options);
+        std::shared_ptr<DriverObject> object = createDriverObject(globals().driverProgId, options);
         acquireHandles(*object, h);
         h.driver->Open(std::string(kDefaultResource));
         h.service->BeginService();

@@ -49,7 +49,7 @@ void frmTop::cmdOpen_Click() {
     Globals& g = globals();
     std::shared_ptr<DriverObject> object;
     const bool connected = trapErrors([&] {
-        object = CreateDriverObject(g.driverProgId, g.driverOptions);
+        object = createDriverObject(g.driverProgId, g.driverOptions);
         acquireHandles(*object, g.handles);
     });
     if (!connected)

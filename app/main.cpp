@@ -50,7 +50,7 @@ int main(int argc, char* argv[]) {
 #if VSS_HAVE_COM
     // The registered driver, where there is one; the simulator runs only when asked for (--simulate): a ProgID
     // that is not registered is an error, so a broken driver installation never passes for the instrument.
-    vss::SetPlatformResolver(vss::com::ComDriverObject::create);
+    vss::setPlatformResolver(vss::com::ComDriverObject::create);
 #endif
     vss::setUpGlobals();
     vss::registerWindows(vss::menuWindows());

@@ -16,7 +16,7 @@
 // Variants are written by their content with the type in front: (Integer)3, (Long)3, (Double)2.5,
 // (Boolean)true, (String)"x", Empty, Null.
 // The driver object's own events use the interface name "CoDriver":
-//   CoDriver.Create("Vlkd2208.CoDriver") -> simulator          (written by CreateDriverObject)
+//   CoDriver.Create("Vlkd2208.CoDriver") -> simulator          (written by createDriverObject)
 //   CoDriver.QueryInterface(IDriverStage) -> {463FDC52-FCE8-4245-AC5F-6A6B967527C0}
 //   CoDriver.QueryInterface({00000000-0000-0000-0000-000000000001}) !! description   (unknown identifier)
 //   IDriverStage.Release()                       (the last handle to a queried interface was dropped)

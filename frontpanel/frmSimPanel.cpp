@@ -310,7 +310,7 @@ void frmSimPanel::cmdResetMemory_Click() {
 }
 
 std::unique_ptr<frmSimPanel> frontPanelFor(const DriverOptions& options) {
-    std::shared_ptr<sim::SimInstrument> instrument = SimulatedInstrument(options);
+    std::shared_ptr<sim::SimInstrument> instrument = simulatedInstrument(options);
     return instrument ? std::make_unique<frmSimPanel>(std::move(instrument)) : nullptr;
 }
 

@@ -97,7 +97,7 @@ std::shared_ptr<DriverObject> create(std::string_view progId, const DriverOption
 
 } // namespace
 
-std::shared_ptr<DriverObject> CreateDriverObject(std::string_view progId, const DriverOptions& options) {
+std::shared_ptr<DriverObject> createDriverObject(std::string_view progId, const DriverOptions& options) {
     std::string made;
     std::shared_ptr<DriverObject> object;
     try {
@@ -110,13 +110,13 @@ std::shared_ptr<DriverObject> CreateDriverObject(std::string_view progId, const 
     return options.trace ? WithTrace(std::move(object), options.trace) : object;
 }
 
-std::shared_ptr<sim::SimInstrument> SimulatedInstrument(const DriverOptions& options) {
+std::shared_ptr<sim::SimInstrument> simulatedInstrument(const DriverOptions& options) {
     if (usesPlatformDriver(options))
         return nullptr;
     return simulatorFor(options);
 }
 
-void SetPlatformResolver(PlatformResolver resolver) {
+void setPlatformResolver(PlatformResolver resolver) {
     std::lock_guard lock(factoryMutex());
     platformResolver() = std::move(resolver);
 }

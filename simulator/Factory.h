@@ -33,11 +33,11 @@ struct DriverOptions {
 
 // Creates the driver object for progId. Throws DriverError with a clear description when the ProgID resolves
 // to nothing.
-std::shared_ptr<DriverObject> CreateDriverObject(std::string_view progId, const DriverOptions& options);
+std::shared_ptr<DriverObject> createDriverObject(std::string_view progId, const DriverOptions& options);
 
 // The platform's own resolver (the COM client on Windows): returns the object or throws DriverError with the
 // system's description when it cannot be created (nullptr counts as not registered).
 using PlatformResolver = std::function<std::shared_ptr<DriverObject>(std::string_view progId)>;
-void SetPlatformResolver(PlatformResolver resolver);
+void setPlatformResolver(PlatformResolver resolver);
 
 } // namespace vss

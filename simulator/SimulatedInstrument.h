@@ -10,11 +10,11 @@
 
 namespace vss {
 
-// The instrument that CreateDriverObject(kDriverProgId, options) makes its objects on, or nullptr when the
+// The instrument that createDriverObject(kDriverProgId, options) makes its objects on, or nullptr when the
 // options resolve to the platform's driver. The first time an instrument is resolved with a scenario in the
 // options, that scenario starts on it. Throws DriverError when the scenario is malformed or cannot be read,
 // and when a scenario is given but the options resolve to the platform's driver: the options are refused
 // before anything runs.
-std::shared_ptr<sim::SimInstrument> SimulatedInstrument(const DriverOptions& options);
+std::shared_ptr<sim::SimInstrument> simulatedInstrument(const DriverOptions& options);
 
 } // namespace vss

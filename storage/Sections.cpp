@@ -599,7 +599,7 @@ void WriteSectionHeader(fileio& io, std::string_view name) {
     io.print2Str(name);
 }
 
-void WriteSection(fileio& io, const DriverHandles& handles, const SectionDef& section) {
+void writeSection(fileio& io, const DriverHandles& handles, const SectionDef& section) {
     WriteSectionHeader(io, section.name);
     section.write(io, handles);
 }

@@ -52,6 +52,6 @@ inline constexpr std::string_view kStageConfigurationInfo = "# %StageConfigurati
 void WriteSectionHeader(fileio& io, std::string_view name);
 
 // The section's header and rows.
-void WriteSection(fileio& io, const DriverHandles& handles, const SectionDef& section);
+void writeSection(fileio& io, const DriverHandles& handles, const SectionDef& section);
 
 } // namespace vss

@@ -248,7 +248,7 @@ private:
 
 } // namespace
 
-GroupDifferences DiffGroup(int groupCode, const std::string& fileName, const DriverHandles& handles,
+GroupDifferences diffGroup(int groupCode, const std::string& fileName, const DriverHandles& handles,
                            MessageSink& sink) {
     fileio io(sink);
     io.setFileName(fileName);
@@ -257,7 +257,7 @@ GroupDifferences DiffGroup(int groupCode, const std::string& fileName, const Dri
     return {target.differences(), sections};
 }
 
-std::vector<std::string> CheckGroups(std::span<const int> groupCodes, const std::string& fileName,
+std::vector<std::string> checkGroups(std::span<const int> groupCodes, const std::string& fileName,
                                      const DriverHandles& handles, MessageSink& sink) {
     CheckTarget target(handles);
     for (const int code : groupCodes) {

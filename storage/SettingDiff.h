@@ -27,7 +27,7 @@ struct GroupDifferences {
 
 // The values of the file that the group code imports and that differ from the instrument's, in file order; an
 // item set twice by the file counts with its last value.
-GroupDifferences DiffGroup(int groupCode, const std::string& fileName, const DriverHandles& handles,
+GroupDifferences diffGroup(int groupCode, const std::string& fileName, const DriverHandles& handles,
                            MessageSink& sink);
 
 // The values of the file that the instrument's own lists and ranges refuse, one text each naming the section
@@ -35,7 +35,7 @@ GroupDifferences DiffGroup(int groupCode, const std::string& fileName, const Dri
 // speed range that the file sets bounds the speeds read after it. Checked where the driver offers a list or a
 // range: the spindle speeds against the speed range, the load method and the spinstand type against their
 // lists, a property against its choices and its type.
-std::vector<std::string> CheckGroups(std::span<const int> groupCodes, const std::string& fileName,
+std::vector<std::string> checkGroups(std::span<const int> groupCodes, const std::string& fileName,
                                      const DriverHandles& handles, MessageSink& sink);
 
 } // namespace vss

@@ -44,7 +44,7 @@ const std::array<GroupDef, 11>& groups() {
 
 } // namespace
 
-std::string LocalDateTime() {
+std::string localDateTime() {
     const std::time_t now = std::time(nullptr);
     char text[64] = {};
     if (const std::tm* local = std::localtime(&now))
@@ -81,11 +81,11 @@ void WriteGroupTitle(fileio& io, std::string_view title) {
     io.printComment(kTitleRule);
 }
 
-void WriteGroup(fileio& io, const DriverHandles& handles, SettingGroup group) {
+void writeGroup(fileio& io, const DriverHandles& handles, SettingGroup group) {
     const GroupDef& def = groupDef(group);
     WriteGroupTitle(io, def.title);
     for (std::string_view name : def.sections)
-        WriteSection(io, handles, *findSection(name));
+        writeSection(io, handles, *findSection(name));
 }
 
 int ReadSettingFile(fileio& io, const DriverHandles& handles, int groupCode, SettingTarget& target,
@@ -118,7 +118,7 @@ void ExportGroup(SettingGroup group, const std::string& fileName, const DriverHa
     fileio io(sink);
     io.setFileName(fileName);
     WriteReportHeader(io, handles, clock);
-    WriteGroup(io, handles, group);
+    writeGroup(io, handles, group);
     io.closeFile();
 }
 
@@ -130,13 +130,13 @@ int ImportGroup(int groupCode, const std::string& fileName, const DriverHandles&
     return applied;
 }
 
-void ExportAllGroups(const std::string& fileName, const DriverHandles& handles, MessageSink& sink,
+void exportAllGroups(const std::string& fileName, const DriverHandles& handles, MessageSink& sink,
                      const ReportClock& clock) {
     fileio io(sink);
     io.setFileName(fileName);
     WriteReportHeader(io, handles, clock);
     for (const GroupDef& g : groups())
-        WriteGroup(io, handles, g.group);
+        writeGroup(io, handles, g.group);
     io.closeFile();
 }
 

@@ -18,7 +18,7 @@ namespace vss {
 // The date and time line of the report header; tests replace it with a fixed text.
 using ReportClock = std::function<std::string()>;
 // The local date and time in the system's short date and time forms.
-std::string LocalDateTime();
+std::string localDateTime();
 
 enum class SettingGroup {
     Setting,
@@ -49,10 +49,10 @@ std::span<const GroupDef> settingGroups();
 const GroupDef& groupDef(SettingGroup group);
 const GroupDef* findGroup(std::string_view name); // by the console tool's name
 
-void WriteReportHeader(fileio& io, const DriverHandles& handles, const ReportClock& clock = LocalDateTime);
+void WriteReportHeader(fileio& io, const DriverHandles& handles, const ReportClock& clock = localDateTime);
 void WriteGroupTitle(fileio& io, std::string_view title);
 // The group title and the group's sections.
-void WriteGroup(fileio& io, const DriverHandles& handles, SettingGroup group);
+void writeGroup(fileio& io, const DriverHandles& handles, SettingGroup group);
 
 // Reads the file field by field and applies each section that the group code imports; other fields and
 // sections are dropped. Values go to `target`. Returns how many sections were applied. A section that cannot
@@ -66,13 +66,13 @@ int ReadSettingFile(fileio& io, const DriverHandles& handles, int groupCode, Mes
 
 // Appends a report with the group to the file (the file is created when missing).
 void ExportGroup(SettingGroup group, const std::string& fileName, const DriverHandles& handles, MessageSink& sink,
-                 const ReportClock& clock = LocalDateTime);
+                 const ReportClock& clock = localDateTime);
 // Reads the file with the group code (1..10) and sends its values to the instrument. Returns how many sections
 // were applied: none when the file holds no section of the group or could not be opened.
 int ImportGroup(int groupCode, const std::string& fileName, const DriverHandles& handles, MessageSink& sink);
 
 // Every group into one report: one header, then each group's title and sections.
-void ExportAllGroups(const std::string& fileName, const DriverHandles& handles, MessageSink& sink,
-                     const ReportClock& clock = LocalDateTime);
+void exportAllGroups(const std::string& fileName, const DriverHandles& handles, MessageSink& sink,
+                     const ReportClock& clock = localDateTime);
 
 } // namespace vss

@@ -139,14 +139,14 @@ TEST_F(TraceLines, InjectedFaultsFailOnceNTimesOrUntilCleared) {
         EXPECT_THROW(sim.failOperation(typo, "typo"), std::invalid_argument) << typo;
 }
 
-TEST(CreateDriverObject, ResolvesTheProgIdToTheSimulatorAndTracesTheCreation) {
+TEST(createDriverObject, ResolvesTheProgIdToTheSimulatorAndTracesTheCreation) {
     auto instrument = std::make_shared<sim::SimInstrument>(sim::SimOptions{":memory:", false, true});
     auto sink = std::make_shared<TraceBuffer>();
     DriverOptions options;
     options.simulator = instrument;
     options.trace = sink;
 
-    auto object = CreateDriverObject(kDriverProgId, options);
+    auto object = createDriverObject(kDriverProgId, options);
     QueryInterface<IDriver>(*object)->Open(std::string(kDefaultResource));
     EXPECT_EQ(sink->lines(), (std::vector<std::string>{
                                  "CoDriver.Create(\"Vlkd2208.CoDriver\") -> simulator",
@@ -156,30 +156,30 @@ TEST(CreateDriverObject, ResolvesTheProgIdToTheSimulatorAndTracesTheCreation) {
                              }));
     EXPECT_EQ(instrument->trace().lines().size(), 3u); // the instrument's own trace saw the same calls
 
-    const std::string refused = failure([&] { CreateDriverObject("Nobody.Driver", options); });
+    const std::string refused = failure([&] { createDriverObject("Nobody.Driver", options); });
     EXPECT_EQ(refused, "Cannot create the driver object \"Nobody.Driver\": no driver is registered under this name.");
     EXPECT_EQ(sink->lines().back(), "CoDriver.Create(\"Nobody.Driver\") !! " + refused);
 }
 
 // Where the platform has registered drivers, the instrument's own ProgID unregistered is an error: a broken
 // driver installation must not pass for the instrument. Only --simulate brings the simulator there.
-TEST(CreateDriverObject, UsesOnlyTheRegisteredDriverWhereThePlatformHasOnesUnlessTheSimulatorIsForced) {
+TEST(createDriverObject, UsesOnlyTheRegisteredDriverWhereThePlatformHasOnesUnlessTheSimulatorIsForced) {
     auto registered = sim::SimInstrument(sim::SimOptions{":memory:", false, true}).createObject();
     int asked = 0;
-    SetPlatformResolver([&](std::string_view progId) -> std::shared_ptr<DriverObject> {
+    setPlatformResolver([&](std::string_view progId) -> std::shared_ptr<DriverObject> {
         ++asked;
         return progId == "Other.Driver" ? registered : nullptr;
     });
     DriverOptions options;
     options.simulator = std::make_shared<sim::SimInstrument>(sim::SimOptions{":memory:", false, true});
-    EXPECT_EQ(CreateDriverObject("Other.Driver", options), registered);
-    EXPECT_EQ(failure([&] { CreateDriverObject(kDriverProgId, options); }),
+    EXPECT_EQ(createDriverObject("Other.Driver", options), registered);
+    EXPECT_EQ(failure([&] { createDriverObject(kDriverProgId, options); }),
               "Cannot create the driver object \"Vlkd2208.CoDriver\": no driver is registered under this name.");
     options.forceSimulator = true;
-    EXPECT_NE(CreateDriverObject(kDriverProgId, options), nullptr);
-    EXPECT_THROW(CreateDriverObject("Other.Driver", options), DriverError);
+    EXPECT_NE(createDriverObject(kDriverProgId, options), nullptr);
+    EXPECT_THROW(createDriverObject("Other.Driver", options), DriverError);
     EXPECT_EQ(asked, 2);
-    SetPlatformResolver(nullptr);
+    setPlatformResolver(nullptr);
 }
 
 } // namespace

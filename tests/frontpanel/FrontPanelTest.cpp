@@ -61,7 +61,7 @@ struct Panel {
 };
 
 std::shared_ptr<sim::SimInstrument> harnessInstrument() {
-    return SimulatedInstrument(globals().driverOptions);
+    return simulatedInstrument(globals().driverOptions);
 }
 
 // Runs `during` with the operation panel up, opened as an operator opens it.
@@ -224,12 +224,12 @@ TEST(FrontPanel, TheMemoryIsResetOnlyAfterTheConfirmation) {
 
 TEST(FrontPanel, ARealDriverShowsNoFrontPanelAndTakesNoScenario) {
     auto registered = sim::SimInstrument(sim::SimOptions{":memory:"}).createObject();
-    SetPlatformResolver([&](std::string_view) { return registered; });
+    setPlatformResolver([&](std::string_view) { return registered; });
     DriverOptions options;
     EXPECT_EQ(frontPanelFor(options), nullptr);
     options.simScenario = "drill.txt";
     EXPECT_THROW(frontPanelFor(options), DriverError);
-    SetPlatformResolver(nullptr);
+    setPlatformResolver(nullptr);
     options.simScenario.clear();
     options.simulator = std::make_shared<sim::SimInstrument>(sim::SimOptions{":memory:"});
     EXPECT_NE(frontPanelFor(options), nullptr)

@@ -166,20 +166,20 @@ TEST_F(ScenarioOnInstrument, InputsAndClearingApplyThroughTheInstrumentsOwnContr
 // shows no front panel and takes no scenario.
 TEST(ScenarioFactory, ARealDriverTakesNoScenarioAndHasNoSimulatedInstrument) {
     auto registered = sim::SimInstrument(sim::SimOptions{":memory:", false, true}).createObject();
-    SetPlatformResolver([&](std::string_view) { return registered; });
+    setPlatformResolver([&](std::string_view) { return registered; });
     DriverOptions options;
     options.simulator = std::make_shared<sim::SimInstrument>(sim::SimOptions{":memory:", false, true});
-    EXPECT_EQ(SimulatedInstrument(options), nullptr);
-    EXPECT_EQ(CreateDriverObject(kDriverProgId, options), registered);
+    EXPECT_EQ(simulatedInstrument(options), nullptr);
+    EXPECT_EQ(createDriverObject(kDriverProgId, options), registered);
 
     options.simScenario = "drill.txt";
-    EXPECT_THROW(SimulatedInstrument(options), DriverError);
-    EXPECT_THROW(CreateDriverObject(kDriverProgId, options), DriverError);
+    EXPECT_THROW(simulatedInstrument(options), DriverError);
+    EXPECT_THROW(createDriverObject(kDriverProgId, options), DriverError);
     EXPECT_TRUE(options.simulator->scenarioProgress().name.empty());
 
     options.forceSimulator = true; // --simulate: the simulator plays it, and a missing file is refused
-    EXPECT_THROW(SimulatedInstrument(options), DriverError);
-    SetPlatformResolver(nullptr);
+    EXPECT_THROW(simulatedInstrument(options), DriverError);
+    setPlatformResolver(nullptr);
 }
 
 TEST(ScenarioFactory, TheSimulatorStartsTheOptionsScenarioOnce) {
@@ -188,12 +188,12 @@ TEST(ScenarioFactory, TheSimulatorStartsTheOptionsScenarioOnce) {
     DriverOptions options;
     options.simulator = std::make_shared<sim::SimInstrument>(sim::SimOptions{":memory:", false, true});
     options.simScenario = file.string();
-    EXPECT_EQ(SimulatedInstrument(options), options.simulator);
-    const auto object = CreateDriverObject(kDriverProgId, options);
+    EXPECT_EQ(simulatedInstrument(options), options.simulator);
+    const auto object = createDriverObject(kDriverProgId, options);
     QueryInterface<IDriver>(*object)->Open(std::string(kDefaultResource));
     EXPECT_TRUE(options.simulator->input(sim::Input::Interlock));
     options.simulator->setInput(sim::Input::Interlock, false);
-    CreateDriverObject(kDriverProgId, options); // a second session does not start it again
+    createDriverObject(kDriverProgId, options); // a second session does not start it again
     EXPECT_EQ(options.simulator->scenarioProgress().done, 1u);
     std::filesystem::remove(file);
 }

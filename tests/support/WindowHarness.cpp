@@ -72,7 +72,7 @@ WindowHarness::~WindowHarness() {
 
 void WindowHarness::openSession() {
     Globals& g = globals();
-    const std::shared_ptr<DriverObject> object = CreateDriverObject(g.driverProgId, g.driverOptions);
+    const std::shared_ptr<DriverObject> object = createDriverObject(g.driverProgId, g.driverOptions);
     acquireHandles(*object, g.handles);
     sessionOpen_ = true;
     g.handles.driver->Open(std::string(kDefaultResource));

@@ -71,7 +71,7 @@ Lines readLines(const QString& path) {
 void useTheProgramsDriver() {
     DriverOptions& options = globals().driverOptions;
 #if VSS_HAVE_COM
-    SetPlatformResolver(com::ComDriverObject::create);
+    setPlatformResolver(com::ComDriverObject::create);
     options.forceSimulator = false;
     options.simulator = nullptr;
 #else

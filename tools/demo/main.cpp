@@ -21,7 +21,7 @@ int main(int argc, char** argv) {
     options.forceSimulator = true;
     options.simulator = instrument;
     try {
-        auto object = CreateDriverObject(kDriverProgId, options);
+        auto object = createDriverObject(kDriverProgId, options);
         auto driver = QueryInterface<IDriver>(*object);
         auto service = QueryInterface<IDriverService>(*object);
         auto clamp = QueryInterface<IDriverClamp>(*object);

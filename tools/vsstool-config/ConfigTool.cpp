@@ -126,7 +126,7 @@ public:
                               ": nothing was imported");
             break;
         case Verb::Backup:
-            ExportAllGroups(action.file, h_, sink_);
+            exportAllGroups(action.file, h_, sink_);
             if (fileOk())
                 note("backed up every group to " + action.file);
             break;
@@ -173,7 +173,7 @@ private:
         for (const GroupDef& g : settingGroups()) {
             if (g.importCode == 0)
                 continue;
-            GroupDifferences group = DiffGroup(g.importCode, file, h_, sink);
+            GroupDifferences group = diffGroup(g.importCode, file, h_, sink);
             if (sink_.fileFailures() > fileFailures)
                 return std::nullopt;
             sections += group.sections;
@@ -209,7 +209,7 @@ private:
             throw std::runtime_error("the restore of " + file +
                                      " stopped before writing anything: the file has faults (see above)");
         const std::vector<int> codes = restoreCodes();
-        const std::vector<std::string> refused = CheckGroups(codes, file, h_, sink_);
+        const std::vector<std::string> refused = checkGroups(codes, file, h_, sink_);
         for (const std::string& problem : refused)
             sink_.error(problem + " (file " + file + ")");
         if (!refused.empty())
@@ -237,7 +237,7 @@ private:
     std::string takeBackup(const std::string& file) {
         const std::string backup = backupBeside(file);
         const int fileFailures = sink_.fileFailures();
-        ExportAllGroups(backup, h_, sink_);
+        exportAllGroups(backup, h_, sink_);
         if (sink_.fileFailures() > fileFailures)
             throw std::runtime_error("the restore of " + file + " stopped before writing anything: the backup " +
                                      backup + " could not be written");
@@ -377,7 +377,7 @@ int runTool(const CommandLine& line, std::istream& in, std::ostream& out, std::o
     // (the simulated instrument refuses to start on a damaged memory file).
     DriverHandles handles;
     try {
-        auto object = CreateDriverObject(kDriverProgId, options);
+        auto object = createDriverObject(kDriverProgId, options);
         acquireHandles(*object, handles);
         handles.driver->Open(std::string(kDefaultResource));
         handles.service->BeginService();

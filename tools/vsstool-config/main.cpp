@@ -65,7 +65,7 @@ int main(int argc, char** argv) {
     using namespace vss::config;
     std::setlocale(LC_TIME, ""); // the report header's date and time in the system's forms
 #ifdef VSS_HAVE_COM
-    vss::SetPlatformResolver(vss::com::ComDriverObject::create); // the registered driver, as in vsstool
+    vss::setPlatformResolver(vss::com::ComDriverObject::create); // the registered driver, as in vsstool
     constexpr bool driverInstalled = true;
 #else
     constexpr bool driverInstalled = false;
