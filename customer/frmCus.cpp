@@ -23,32 +23,30 @@ frmCus::frmCus(QWidget* parent, bool viewOnly) : SettingsPage(parent, SettingGro
     buildStage(stageTop);
 
     const int buttonsTop = stageTop + frameHeightTwips(3) + kButtonHeight + 60 + 120;
-    const auto button = [&](const char* name, const char* caption, int column) {
-        return newButton(this, name, QString::fromLatin1(caption), 120 + column * (kButtonWidth + 120),
-                         buttonsTop, kButtonWidth, kButtonHeight);
+    const auto column = [](int index) {
+        return SettingsPage::RowButton{120 + index * (kButtonWidth + 120), kButtonWidth};
     };
-    QPushButton* cmdRecall = button("cmdRecall", "Recall", 0);
-    QPushButton* cmdSave = button("cmdSave", "Save", 1);
-    QPushButton* cmdImport = button("cmdImport", "Import", 2);
-    QPushButton* cmdExport = button("cmdExport", "Export", 3);
-    QPushButton* cmdReturn =
-        newButton(this, "cmdReturn", QStringLiteral("Return"), 120 + kFrameWidth - kButtonWidth, buttonsTop,
-                  kButtonWidth, kButtonHeight);
+    const GroupButtons row = addGroupRow({.top = buttonsTop,
+                                          .save = column(1),
+                                          .recall = column(0),
+                                          .importButton = column(2),
+                                          .exportButton = column(3),
+                                          .returnButton = {120 + kFrameWidth - kButtonWidth, kButtonWidth}},
+                                         [this] { RefreshAll(); });
     setClientSizeTwips(kFrameWidth + 240, buttonsTop + kButtonHeight + 120);
 
     connect(inner_.stopper, &userText::ChangeValue, this, [this] { usrStopper_ChangeValue(inner_); });
     connect(outer_.stopper, &userText::ChangeValue, this, [this] { usrStopper_ChangeValue(outer_); });
     connect(cmdAdvanced_, &QPushButton::clicked, this, &frmCus::cmdAdvanced_Click);
-    connectGroupButtons({cmdSave, cmdRecall, cmdExport, cmdImport}, [this] { RefreshAll(); });
-    connect(cmdReturn, &QPushButton::clicked, this, &Form::accept);
 
     // Load: the buttons that change the configuration follow ViewOnly, "Return" is always usable; the
     // stoppers are locked while viewing, the derived fields always (set as they were built).
-    applyViewOnly({cmdExport, cmdImport, cmdSave, cmdRecall, cmdAdvanced_}, {inner_.stopper, outer_.stopper});
+    applyViewOnly({row.exportButton, row.importButton, row.save, row.recall, cmdAdvanced_},
+                  {inner_.stopper, outer_.stopper});
     // A page opened for viewing starts on "Return": a locked stopper still writes its value when it loses the
     // focus, so it does not hold the focus unless the user puts it there.
     if (ViewOnly())
-        cmdReturn->setFocus();
+        row.returnButton->setFocus();
     RefreshAll();
 }
 

@@ -39,21 +39,15 @@ QGroupBox* PropertyPage::buildPropertyFrame(const char* name, const QString& cap
 }
 
 void PropertyPage::addGroupButtons(int top, std::function<void()> refresh) {
-    QPushButton* cmdSave = newButton(this, "cmdSave", QStringLiteral("Save"), 120, top, 975, 375);
-    QPushButton* cmdRecall = newButton(this, "cmdRecall", QStringLiteral("Recall"), 1200, top, 975, 375);
-    QPushButton* cmdImport = newButton(this, "cmdImport", QStringLiteral("Import"), 2280, top, 975, 375);
-    QPushButton* cmdExport = newButton(this, "cmdExport", QStringLiteral("Export"), 3360, top, 975, 375);
-    QPushButton* cmdReturn =
-        newButton(this, "cmdReturn", QStringLiteral("Return"), kPageWidth - 1095, top, 975, 375);
-    connectGroupButtons({cmdSave, cmdRecall, cmdExport, cmdImport}, std::move(refresh));
-    connect(cmdReturn, &QPushButton::clicked, this, &Form::accept);
-    applyViewOnly({cmdImport, cmdSave, cmdRecall}, {});
+    const GroupButtons row = addGroupRow(fullRow(top, kPageWidth), std::move(refresh));
+    applyViewOnly({row.importButton, row.save, row.recall}, {});
     setClientSizeTwips(kPageWidth, top + 495);
 }
 
 // The row's value goes out with the type it has; the row then shows what the instrument kept.
 void PropertyPage::usrProperty_ChangeValue(int index) {
-    if (!isBusy() && ViewOnly()) // a check box is never locked: a click on it shows the instrument's value again
+    if (!isBusy() &&
+        ViewOnly()) // a check box is never locked: a click on it shows the instrument's value again
         trapErrors([this, index] { rows_->refreshRow(index); });
     if (commitIgnored(*this))
         return;

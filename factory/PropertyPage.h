@@ -19,8 +19,8 @@ std::int32_t int32Of(const Variant& value);
 
 // Whether a field's commit on the page is to be left alone. A field raises its commit on every Enter and
 // every loss of the focus, locked or not: no field of a view-only page writes (its group buttons come back
-// after a command, as on every page, and they do what they do). And a field losing the focus as the page turns
-// busy commits again: that is the commit already running.
+// after a command, as on every page, and they do what they do). And a field losing the focus as the page
+// turns busy commits again: that is the commit already running.
 inline bool commitIgnored(const SettingsPage& page) {
     return page.isBusy() || page.ViewOnly();
 }

@@ -45,15 +45,13 @@ frmBacklashCompen::frmBacklashCompen(QWidget* parent, bool viewOnly)
     usrPropBacklashDate_->setLayoutAuto(false); // room for the date, its editor in line with the values above
     usrPropBacklashDate_->setLabelWidth(1790);
 
-    QPushButton* cmdRecall = newButton(this, "cmdRecall", QStringLiteral("Recall"), 120, 2940, 975, 375);
-    QPushButton* cmdSave = newButton(this, "cmdSave", QStringLiteral("Save"), 1200, 2940, 975, 375);
-    QPushButton* cmdImp =
-        newButton(this, "cmdImpBacklashDat", QStringLiteral("Import"), 2280, 2940, 975, 375);
-    QPushButton* cmdExp =
-        newButton(this, "cmdExpBacklashDat", QStringLiteral("Export"), 3360, 2940, 975, 375);
-    QPushButton* cmdReturn = newButton(this, "cmdReturn", QStringLiteral("Return"), 8025, 2940, 975, 375);
-    connectGroupButtons({cmdSave, cmdRecall, cmdExp, cmdImp}, [this] { refresh(); });
-    connect(cmdReturn, &QPushButton::clicked, this, &Form::accept);
+    const GroupButtons row = addGroupRow({.top = 2940,
+                                          .save = {1200, 975},
+                                          .recall = {120, 975},
+                                          .importButton = {2280, 975, "cmdImpBacklashDat"},
+                                          .exportButton = {3360, 975, "cmdExpBacklashDat"},
+                                          .returnButton = {8025, 975}},
+                                         [this] { refresh(); });
 
     // Opening: the date first, then the values from the first entry to the last.
     showValue(usrPropBacklashDate_, handles().service->GetBacklashDate());
@@ -62,7 +60,7 @@ frmBacklashCompen::frmBacklashCompen(QWidget* parent, bool viewOnly)
         showValue(usrBacklash_[k], handles().service->GetBacklashCompensation(static_cast<std::int16_t>(k)));
         usrBacklash_[k]->setEnabled(!ViewOnly());
     }
-    applyViewOnly({cmdExp, cmdImp, cmdSave, cmdRecall}, {});
+    applyViewOnly({row.exportButton, row.importButton, row.save, row.recall}, {});
 }
 
 // The values from the first entry to the last, then the date.

@@ -97,15 +97,7 @@ frmFacSpinstand::frmFacSpinstand(QWidget* parent, bool viewOnly)
         newButton(this, "cmdSpindle", QStringLiteral("Spindle"), 120, pagesTop, 1215, 375);
     QPushButton* cmdStage = newButton(this, "cmdStage", QStringLiteral("Stage"), 1440, pagesTop, 1215, 375);
     const int buttonsTop = pagesTop + 615;
-    QPushButton* cmdSave = newButton(this, "cmdSave", QStringLiteral("Save"), 120, buttonsTop, 975, 375);
-    QPushButton* cmdRecall =
-        newButton(this, "cmdRecall", QStringLiteral("Recall"), 1200, buttonsTop, 975, 375);
-    QPushButton* cmdImport =
-        newButton(this, "cmdImport", QStringLiteral("Import"), 2280, buttonsTop, 975, 375);
-    QPushButton* cmdExport =
-        newButton(this, "cmdExport", QStringLiteral("Export"), 3360, buttonsTop, 975, 375);
-    QPushButton* cmdReturn =
-        newButton(this, "cmdReturn", QStringLiteral("Return"), kPageWidth - 1095, buttonsTop, 975, 375);
+    const GroupButtons row = addGroupRow(fullRow(buttonsTop, kPageWidth), [this] { RefreshSpinstandAll(); });
     setClientSizeTwips(kPageWidth, buttonsTop + 495);
 
     connect(usrSsType_, &userProperty::ChangeValue, this, &frmFacSpinstand::usrSsType_ChangeValue);
@@ -115,9 +107,8 @@ frmFacSpinstand::frmFacSpinstand(QWidget* parent, bool viewOnly)
             [this] { openModal(pageOf<frmFacSpinstandSpindle>(ViewOnly())); });
     connect(cmdStage, &QPushButton::clicked, this,
             [this] { openModal(pageOf<frmFacSpinstandStage>(ViewOnly())); });
-    connectGroupButtons({cmdSave, cmdRecall, cmdExport, cmdImport}, [this] { RefreshSpinstandAll(); });
-    connect(cmdReturn, &QPushButton::clicked, this, &Form::accept);
-    applyViewOnly({cmdStage, cmdExport, cmdImport, cmdSave, cmdRecall, chkSettingUnknown_}, {});
+    applyViewOnly({cmdStage, row.exportButton, row.importButton, row.save, row.recall, chkSettingUnknown_},
+                  {});
 
     RefreshSpinstandAll();
 }

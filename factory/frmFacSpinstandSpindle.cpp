@@ -15,8 +15,7 @@ frmFacSpinstandSpindle::frmFacSpinstandSpindle(QWidget* parent, bool viewOnly)
     frmSpindleProperty->setGeometry(twipsRect(120, 120, kFrameWidth, rows().bottomTwips() + 180));
 
     const int rangeTop = 120 + rows().bottomTwips() + 300;
-    QGroupBox* frmSpeedRange =
-        newFrame(this, "frmSpeedRange", QString(), 120, rangeTop, kFrameWidth, 1020);
+    QGroupBox* frmSpeedRange = newFrame(this, "frmSpeedRange", QString(), 120, rangeTop, kFrameWidth, 1020);
     const auto rpmRow = [&](const char* name, const QString& caption, int top) {
         userProperty* row =
             newProperty(frmSpeedRange, name, 120, top, kFrameWidth - 240, 300,

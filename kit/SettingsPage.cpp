@@ -8,6 +8,7 @@
 
 #include <QLineEdit>
 #include <QPushButton>
+#include <algorithm>
 #include <stdexcept>
 #include <utility>
 
@@ -65,20 +66,49 @@ SettingsPage::SettingsPage(QWidget* parent, SettingGroup group, bool viewOnly)
 void SettingsPage::connectGroupButtons(const GroupButtons& buttons, std::function<void()> refresh) {
     if (buttons.save) {
         groupMemory(group_); // a page of a group without non-volatile memory has no Save button
-        connect(buttons.save, &QPushButton::clicked, this, [this] { command([this] { saveGroup(group_); }); });
+        connect(buttons.save, &QPushButton::clicked, this,
+                [this] { command([this] { saveGroup(group_); }); });
     }
     if (buttons.recall) {
         connect(buttons.recall, &QPushButton::clicked, this,
                 [this, refresh] { command([this] { recallGroup(group_); }, refresh); });
     }
     if (buttons.exportButton)
-        connect(buttons.exportButton, &QPushButton::clicked, this, [this] { exportSettingGroup(*this, group_); });
+        connect(buttons.exportButton, &QPushButton::clicked, this,
+                [this] { exportSettingGroup(*this, group_); });
     if (buttons.importButton) {
         connect(buttons.importButton, &QPushButton::clicked, this, [this, refresh] {
             if (importSettingGroup(*this, group_) && refresh && !isUnloaded())
                 trapErrors(refresh);
         });
     }
+}
+
+SettingsPage::GroupButtons SettingsPage::addGroupRow(const GroupRow& row, std::function<void()> refresh) {
+    struct Place {
+        const RowButton* button;
+        const char* name;
+        const char* caption;
+        QPushButton** made;
+    };
+    GroupButtons made;
+    std::vector<Place> places = {{&row.save, "cmdSave", "Save", &made.save},
+                                 {&row.recall, "cmdRecall", "Recall", &made.recall},
+                                 {&row.importButton, "cmdImport", "Import", &made.importButton},
+                                 {&row.exportButton, "cmdExport", "Export", &made.exportButton},
+                                 {&row.returnButton, "cmdReturn", "Return", &made.returnButton}};
+    std::erase_if(places, [](const Place& place) { return place.button->width == 0; });
+    std::stable_sort(places.begin(), places.end(),
+                     [](const Place& a, const Place& b) { return a.button->left < b.button->left; });
+    for (const Place& place : places) {
+        *place.made = newButton(this, place.button->name ? place.button->name : place.name,
+                                QString::fromLatin1(place.caption), place.button->left, row.top,
+                                place.button->width, 375);
+    }
+    connectGroupButtons(made, std::move(refresh));
+    if (made.returnButton)
+        connect(made.returnButton, &QPushButton::clicked, this, &Form::accept);
+    return made;
 }
 
 void SettingsPage::applyViewOnly(std::initializer_list<QWidget*> enabledWhenEditable,

@@ -52,9 +52,36 @@ protected:
         QPushButton* recall = nullptr;
         QPushButton* exportButton = nullptr;
         QPushButton* importButton = nullptr;
+        QPushButton* returnButton = nullptr; // placed by addGroupRow; connectGroupButtons leaves it alone
     };
     // Connects the buttons given; refresh is what Recall and Import read back afterwards.
     void connectGroupButtons(const GroupButtons& buttons, std::function<void()> refresh);
+
+    // One button of the group row: its left edge and width in twips (a width of 0 leaves it out) and, where
+    // the page names it otherwise, its object name.
+    struct RowButton {
+        int left = 0;
+        int width = 0;
+        const char* name = nullptr;
+    };
+    struct GroupRow {
+        int top = 0;
+        RowButton save, recall, importButton, exportButton, returnButton;
+    };
+    // Places the group row, 375 twips high, left to right (the order the focus follows): "Save", "Recall",
+    // "Import" and "Export" connected as connectGroupButtons does, "Return" closing the page. What view-only
+    // locks stays the page's own (applyViewOnly).
+    GroupButtons addGroupRow(const GroupRow& row, std::function<void()> refresh);
+    // The row of a page that has all five: Save, Recall, Import and Export from the left edge, 975 twips wide
+    // with 105 between them, and Return at the right edge of a page pageWidth twips wide.
+    static GroupRow fullRow(int top, int pageWidth) {
+        return {.top = top,
+                .save = {120, 975},
+                .recall = {1200, 975},
+                .importButton = {2280, 975},
+                .exportButton = {3360, 975},
+                .returnButton = {pageWidth - 1095, 975}};
+    }
 
     // What view-only means on this page, declared once: the controls that are enabled only while the page is
     // editable, and the fields that are locked while it is view-only.

@@ -72,15 +72,13 @@ void frmFacPiezo::build() {
                                          ControlDataFields::bottomTwips() + 120, 1215, 375);
 
     const int buttonTop = controlTop + controlFrameHeight + 180;
-    QPushButton* cmdSave = newButton(this, "cmdSave", QStringLiteral("Save"), 120, buttonTop, 1215, 375);
-    QPushButton* cmdRecall =
-        newButton(this, "cmdRecall", QStringLiteral("Recall"), 1440, buttonTop, 1215, 375);
-    QPushButton* cmdExport =
-        newButton(this, "cmdExport", QStringLiteral("Export"), 2760, buttonTop, 1215, 375);
-    QPushButton* cmdImport =
-        newButton(this, "cmdImport", QStringLiteral("Import"), 4080, buttonTop, 1215, 375);
-    QPushButton* cmdReturn =
-        newButton(this, "cmdReturn", QStringLiteral("Return"), 7905, buttonTop, 975, 375);
+    addGroupRow({.top = buttonTop,
+                 .save = {120, 1215},
+                 .recall = {1440, 1215},
+                 .importButton = {4080, 1215},
+                 .exportButton = {2760, 1215},
+                 .returnButton = {7905, 975}},
+                [this] { refreshAll(); });
     setClientSizeTwips(9000, buttonTop + 495);
 
     connect(usrPiezoSerial_, &userProperty::ChangeValue, this, &frmFacPiezo::usrPiezoSerial_ChangeValue);
@@ -93,8 +91,6 @@ void frmFacPiezo::build() {
                 [this, i] { usrAdjust_ChangeValue(i); });
     }
     connect(cmdAdvanced, &QPushButton::clicked, this, &frmFacPiezo::cmdAdvanced_Click);
-    connectGroupButtons({cmdSave, cmdRecall, cmdExport, cmdImport}, [this] { refreshAll(); });
-    connect(cmdReturn, &QPushButton::clicked, this, &Form::accept);
 }
 
 void frmFacPiezo::setLabels() {
