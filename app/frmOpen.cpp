@@ -1,10 +1,10 @@
 #include "app/frmOpen.h"
 
-#include "kit/Navigation.h"
 #include "app/frmFac.h"
-#include "kit/modGlobal.h"
 #include "controls/Twips.h"
 #include "driver/Types.h"
+#include "kit/Navigation.h"
+#include "kit/modGlobal.h"
 
 #include <QMouseEvent>
 #include <QPushButton>
@@ -60,25 +60,24 @@ frmOpen::frmOpen(QWidget* parent) : Form(parent) {
 
     // Created in tab order.
     QPushButton* cmdClose = addButton("cmdClose", QStringLiteral("Close"), 4320, 120, 975, 375);
+    connect(cmdClose, &QPushButton::clicked, this, &Form::accept);
     QPushButton* cmdInitialize =
         addButton("cmdInitialize", QStringLiteral("Operation Check"), 120, 120, 2775, 375);
+    connect(cmdInitialize, &QPushButton::clicked, this, &frmOpen::cmdInitialize_Click);
     QPushButton* cmdCustomize =
         addButton("cmdCustomize", QStringLiteral("Measurement Position Settings"), 120, 600, 2775, 375);
-    QPushButton* cmdService =
-        addButton("cmdService", QStringLiteral("Service Operations"), 120, 1200, 2775, 375);
-    QPushButton* cmdFactory =
-        addButton("cmdFactory", QStringLiteral("Factory Settings"), 120, 2280, 2775, 375);
-    QPushButton* cmdSerSet = addButton("cmdSerSet", QStringLiteral("Service Settings"), 120, 1680, 2775, 375);
-    QPushButton* cmdPiezo = addButton("cmdPiezo", QStringLiteral("Piezo Adjust"), 120, 2760, 2775, 375);
-
-    connect(cmdClose, &QPushButton::clicked, this, &Form::accept);
-    connect(cmdInitialize, &QPushButton::clicked, this, &frmOpen::cmdInitialize_Click);
     connect(cmdCustomize, &QPushButton::clicked, this,
             [this] { openModal(withViewOnly(menuWindows().measurementPositions, false)); });
+    QPushButton* cmdService =
+        addButton("cmdService", QStringLiteral("Service Operations"), 120, 1200, 2775, 375);
     connect(cmdService, &QPushButton::clicked, this, [this] { openModal(menuWindows().servicePanel); });
-    connect(cmdSerSet, &QPushButton::clicked, this, [this] { openModal(menuWindows().serviceSettings); });
+    QPushButton* cmdFactory =
+        addButton("cmdFactory", QStringLiteral("Factory Settings"), 120, 2280, 2775, 375);
     connect(cmdFactory, &QPushButton::clicked, this,
             [this] { openModal([](QWidget* p) { return std::make_unique<frmFac>(p); }); });
+    QPushButton* cmdSerSet = addButton("cmdSerSet", QStringLiteral("Service Settings"), 120, 1680, 2775, 375);
+    connect(cmdSerSet, &QPushButton::clicked, this, [this] { openModal(menuWindows().serviceSettings); });
+    QPushButton* cmdPiezo = addButton("cmdPiezo", QStringLiteral("Piezo Adjust"), 120, 2760, 2775, 375);
     connect(cmdPiezo, &QPushButton::clicked, this, [this] { openModal(menuWindows().piezoAdjust); });
 
     setLevel(0);

@@ -1,7 +1,7 @@
 #include "app/frmTop.h"
 
-#include "driver/Handles.h"
 #include "app/frmOpen.h"
+#include "driver/Handles.h"
 #include "kit/modGlobal.h"
 #include "simulator/Factory.h"
 
@@ -29,20 +29,19 @@ frmTop::frmTop(QWidget* parent) : Form(parent) {
     model->setAlignment(Qt::AlignCenter);
 
     QPushButton* cmdOpen = addButton("cmdOpen", QStringLiteral("Open"), 720, 1440, 1335, 435);
+    connect(cmdOpen, &QPushButton::clicked, this, &frmTop::cmdOpen_Click);
     QPushButton* cmdExit = addButton("cmdExit", QStringLiteral("Exit"), 2760, 1440, 1335, 435);
+    connect(cmdExit, &QPushButton::clicked, this, [] {
+        // Ends the process at once: no window's unload handler runs and the driver is not called.
+        std::fflush(nullptr);
+        std::_Exit(EXIT_SUCCESS);
+    });
 
     // The instrument to open; edit this default to address another instrument.
     txtRsrcString_ = new QLineEdit(
         QString::fromUtf8(kDefaultResource.data(), static_cast<qsizetype>(kDefaultResource.size())), this);
     place(txtRsrcString_, "txtRsrcString", 240, 1920, 1335, 285);
     txtRsrcString_->setVisible(false);
-
-    connect(cmdOpen, &QPushButton::clicked, this, &frmTop::cmdOpen_Click);
-    connect(cmdExit, &QPushButton::clicked, this, [] {
-        // Ends the process at once: no window's unload handler runs and the driver is not called.
-        std::fflush(nullptr);
-        std::_Exit(EXIT_SUCCESS);
-    });
 }
 
 void frmTop::cmdOpen_Click() {

@@ -18,7 +18,9 @@ frmCus::frmCus(QWidget* parent, bool viewOnly) : SettingsPage(parent, SettingGro
     static const char* const innerNames[3] = {"usrStopperID", "usrRadiusID", "usrSkewID"};
     static const char* const outerNames[3] = {"usrStopperOD", "usrRadiusOD", "usrSkewOD"};
     inner_ = buildPosition("frmInner", QStringLiteral("Inner"), 60, 0, innerNames);
+    connect(inner_.stopper, &userText::ChangeValue, this, [this] { usrStopper_ChangeValue(inner_); });
     outer_ = buildPosition("frmOuter", QStringLiteral("Outer"), 60 + frameHeightTwips(3) + 60, 1, outerNames);
+    connect(outer_.stopper, &userText::ChangeValue, this, [this] { usrStopper_ChangeValue(outer_); });
     const int stageTop = 60 + 2 * (frameHeightTwips(3) + 60);
     buildStage(stageTop);
 
@@ -26,6 +28,7 @@ frmCus::frmCus(QWidget* parent, bool viewOnly) : SettingsPage(parent, SettingGro
     const auto column = [](int index) {
         return SettingsPage::RowButton{120 + index * (kButtonWidth + 120), kButtonWidth};
     };
+    // Handled by addGroupRow: Save, Recall, Import and Export as on every settings page, Return closes.
     const GroupButtons row = addGroupRow({.top = buttonsTop,
                                           .save = column(1),
                                           .recall = column(0),
@@ -34,10 +37,6 @@ frmCus::frmCus(QWidget* parent, bool viewOnly) : SettingsPage(parent, SettingGro
                                           .returnButton = {120 + kFrameWidth - kButtonWidth, kButtonWidth}},
                                          [this] { RefreshAll(); });
     setClientSizeTwips(kFrameWidth + 240, buttonsTop + kButtonHeight + 120);
-
-    connect(inner_.stopper, &userText::ChangeValue, this, [this] { usrStopper_ChangeValue(inner_); });
-    connect(outer_.stopper, &userText::ChangeValue, this, [this] { usrStopper_ChangeValue(outer_); });
-    connect(cmdAdvanced_, &QPushButton::clicked, this, &frmCus::cmdAdvanced_Click);
 
     // Load: the buttons that change the configuration follow ViewOnly, "Return" is always usable; the
     // stoppers are locked while viewing, the derived fields always (set as they were built).
@@ -73,6 +72,7 @@ void frmCus::buildStage(int top) {
     usrOFST_ = fields[2];
     cmdAdvanced_ = newButton(frame, "cmdAdvanced", QStringLiteral("Advanced"), kCustomerFieldLeft,
                              frameHeightTwips(3), 1350, kButtonHeight);
+    connect(cmdAdvanced_, &QPushButton::clicked, this, &frmCus::cmdAdvanced_Click);
 }
 
 // The stopper first, then the radius and skew the instrument derives from it.

@@ -48,6 +48,9 @@ frmCusStageConfig::frmCusStageConfig(QWidget* parent) : CommandForm(parent) {
     tcsc_ = {fields[0], geometry::Stage2Spindle};
     tcrp_ = {fields[1], geometry::Stage2Ref};
     ofst_ = {fields[2], geometry::StageOffset};
+    for (const GeometryField* value : {&tcsc_, &tcrp_, &ofst_})
+        connect(value->field, &userText::ChangeValue, this,
+                [this, value] { usrGeometry_ChangeValue(*value); });
 
     const int buttonsTop = 60 + frameHeightTwips(3) + 120;
     const auto button = [&](const char* name, const char* caption, int left) {
@@ -55,19 +58,15 @@ frmCusStageConfig::frmCusStageConfig(QWidget* parent) : CommandForm(parent) {
                          kButtonHeight);
     };
     QPushButton* cmdOK = button("cmdOK", "OK", 120);
-    QPushButton* cmdCancel = button("cmdCancel", "Cancel", 120 + kButtonWidth + 120);
-    QPushButton* cmdImport = button("cmdImport", "Import", 120 + kFrameWidth - 2 * kButtonWidth - 120);
-    QPushButton* cmdExport = button("cmdExport", "Export", 120 + kFrameWidth - kButtonWidth);
-    setClientSizeTwips(kFrameWidth + 240, buttonsTop + kButtonHeight + 120);
-
-    for (const GeometryField* value : {&tcsc_, &tcrp_, &ofst_})
-        connect(value->field, &userText::ChangeValue, this,
-                [this, value] { usrGeometry_ChangeValue(*value); });
     connect(cmdOK, &QPushButton::clicked, this, &Form::accept);
+    QPushButton* cmdCancel = button("cmdCancel", "Cancel", 120 + kButtonWidth + 120);
     connect(cmdCancel, &QPushButton::clicked, this, &frmCusStageConfig::cmdCancel_Click);
+    QPushButton* cmdImport = button("cmdImport", "Import", 120 + kFrameWidth - 2 * kButtonWidth - 120);
     connect(cmdImport, &QPushButton::clicked, this, &frmCusStageConfig::cmdImport_Click);
+    QPushButton* cmdExport = button("cmdExport", "Export", 120 + kFrameWidth - kButtonWidth);
     connect(cmdExport, &QPushButton::clicked, this,
             [this] { exportSettingGroup(*this, SettingGroup::CustomerStageConfiguration); });
+    setClientSizeTwips(kFrameWidth + 240, buttonsTop + kButtonHeight + 120);
 
     // Load: the values as they are now are what "Cancel" restores.
     IDriverService& service = *handles().service;

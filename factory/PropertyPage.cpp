@@ -39,6 +39,7 @@ QGroupBox* PropertyPage::buildPropertyFrame(const char* name, const QString& cap
 }
 
 void PropertyPage::addGroupButtons(int top, std::function<void()> refresh) {
+    // Handled by addGroupRow: Save, Recall, Import and Export as on every settings page, Return closes.
     const GroupButtons row = addGroupRow(fullRow(top, kPageWidth), std::move(refresh));
     applyViewOnly({row.importButton, row.save, row.recall}, {});
     setClientSizeTwips(kPageWidth, top + 495);

@@ -45,6 +45,7 @@ frmBacklashCompen::frmBacklashCompen(QWidget* parent, bool viewOnly)
     usrPropBacklashDate_->setLayoutAuto(false); // room for the date, its editor in line with the values above
     usrPropBacklashDate_->setLabelWidth(1790);
 
+    // Handled by addGroupRow: Save, Recall, Import and Export as on every settings page, Return closes.
     const GroupButtons row = addGroupRow({.top = 2940,
                                           .save = {1200, 975},
                                           .recall = {120, 975},

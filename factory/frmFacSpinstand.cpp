@@ -60,8 +60,10 @@ frmFacSpinstand::frmFacSpinstand(QWidget* parent, bool viewOnly)
                              {.caption = QStringLiteral("Spinstand Type"), .locked = locked});
     usrSsType_->setLayoutAuto(false);
     usrSsType_->setLabelWidth(1400);
+    connect(usrSsType_, &userProperty::ChangeValue, this, &frmFacSpinstand::usrSsType_ChangeValue);
     usrHeadFace_ = newProperty(this, "usrHeadFace", 120, 480, kFrameWidth, 300,
                                {.caption = QStringLiteral("Head Face"), .locked = locked});
+    connect(usrHeadFace_, &userProperty::ChangeValue, this, &frmFacSpinstand::usrHeadFace_ChangeValue);
     usrHeadFace_->AddItem(QStringLiteral("UP"), 0);
     usrHeadFace_->setItemData(0, 0);
     usrHeadFace_->AddItem(QStringLiteral("DOWN"), 1);
@@ -82,6 +84,7 @@ frmFacSpinstand::frmFacSpinstand(QWidget* parent, bool viewOnly)
 
     chkSettingUnknown_ = put(new QCheckBox(QStringLiteral("Unknown Setting"), this), "chkSettingUnknown", 240,
                              1980, 3000, 300);
+    connect(chkSettingUnknown_, &QCheckBox::clicked, this, &frmFacSpinstand::chkSettingUnknown_Click);
     QGroupBox* frmSpindleDriver =
         newFrame(this, "frmSpindleDriver", QStringLiteral("Spindle Driver"), 120, 2400, kFrameWidth, 600);
     usrProperty_ = new PropertyRows(frmSpindleDriver, "usrProperty", spindleDriverItems(),
@@ -95,18 +98,16 @@ frmFacSpinstand::frmFacSpinstand(QWidget* parent, bool viewOnly)
     const int pagesTop = 2400 + frameHeight + 120;
     QPushButton* cmdSpindle =
         newButton(this, "cmdSpindle", QStringLiteral("Spindle"), 120, pagesTop, 1215, 375);
+    connect(cmdSpindle, &QPushButton::clicked, this,
+            [this] { openModal(pageOf<frmFacSpinstandSpindle>(ViewOnly())); });
     QPushButton* cmdStage = newButton(this, "cmdStage", QStringLiteral("Stage"), 1440, pagesTop, 1215, 375);
+    connect(cmdStage, &QPushButton::clicked, this,
+            [this] { openModal(pageOf<frmFacSpinstandStage>(ViewOnly())); });
     const int buttonsTop = pagesTop + 615;
+    // Handled by addGroupRow: Save, Recall, Import and Export as on every settings page, Return closes.
     const GroupButtons row = addGroupRow(fullRow(buttonsTop, kPageWidth), [this] { RefreshSpinstandAll(); });
     setClientSizeTwips(kPageWidth, buttonsTop + 495);
 
-    connect(usrSsType_, &userProperty::ChangeValue, this, &frmFacSpinstand::usrSsType_ChangeValue);
-    connect(usrHeadFace_, &userProperty::ChangeValue, this, &frmFacSpinstand::usrHeadFace_ChangeValue);
-    connect(chkSettingUnknown_, &QCheckBox::clicked, this, &frmFacSpinstand::chkSettingUnknown_Click);
-    connect(cmdSpindle, &QPushButton::clicked, this,
-            [this] { openModal(pageOf<frmFacSpinstandSpindle>(ViewOnly())); });
-    connect(cmdStage, &QPushButton::clicked, this,
-            [this] { openModal(pageOf<frmFacSpinstandStage>(ViewOnly())); });
     applyViewOnly({cmdStage, row.exportButton, row.importButton, row.save, row.recall, chkSettingUnknown_},
                   {});
 

@@ -15,12 +15,12 @@ frmFacSpinstandStage::frmFacSpinstandStage(QWidget* parent, bool viewOnly)
     QPushButton* cmdBacklashCompen =
         newButton(frmStageProperty, "cmdBacklashCompen", QStringLiteral("Backlash Compensation Settings"),
                   kFrameWidth - 3120, buttonTop, 3000, 375);
-    frmStageProperty->setGeometry(twipsRect(120, 120, kFrameWidth, buttonTop + 495));
     connect(cmdBacklashCompen, &QPushButton::clicked, this, [this] {
         openModal([viewOnly = ViewOnly()](QWidget* opener) -> std::unique_ptr<Form> {
             return std::make_unique<frmBacklashCompen>(opener, viewOnly);
         });
     });
+    frmStageProperty->setGeometry(twipsRect(120, 120, kFrameWidth, buttonTop + 495));
 
     addGroupButtons(120 + buttonTop + 615, [this] { rows().refreshAll(); });
     rows().refreshAll();

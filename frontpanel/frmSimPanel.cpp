@@ -3,9 +3,9 @@
 #include "driver/DriverError.h"
 #include "driver/StateText.h"
 #include "driver/Types.h"
+#include "kit/FormBuild.h"
 #include "simulator/Scenario.h"
 #include "simulator/SimulatedInstrument.h"
-#include "kit/FormBuild.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -146,6 +146,7 @@ void frmSimPanel::buildFailures() {
     captioned(frame, "lblOperation", QStringLiteral("&Operation"), cboOperation_);
     cboOperation_->lineEdit()->setAccessibleName(cboOperation_->accessibleName());
 
+    // handled by cboRepeat_Changed, connected below once the count field it enables exists
     cboRepeat_ = put(new QComboBox(frame), "cboRepeat", 1320, 700, 1800, kRow);
     cboRepeat_->addItems(
         {QStringLiteral("Once"), QStringLiteral("N times"), QStringLiteral("Until cleared")});

@@ -35,24 +35,23 @@ frmVersion::frmVersion(QWidget* parent, bool factoryMode) : CommandForm(parent),
     setClientSizeTwips(5430, 2640);
     newLabel(this, "lblHwRevision", QStringLiteral("Hardware Revision"), 120, 165, 2295, 255);
     txtHwRevision_ = newTextBox(this, "txtHwRevision", 2520, 120, 2775, 315, !factoryMode_);
+    hwRevision_ = {txtHwRevision_, [](const std::string& t) { handles().service->SetHardwareRevision(t); },
+                   [] { return handles().service->GetHardwareRevision(); }};
+    txtHwRevision_->installEventFilter(this); // Enter and leaving the box: eventFilter, then enterText
     newLabel(this, "lblSerialNumber", QStringLiteral("Spinstand Serial Number"), 120, 585, 2295, 255);
     txtSerialNumber_ = newTextBox(this, "txtSerialNumber", 2520, 540, 2775, 315, !factoryMode_);
+    serialNumber_ = {txtSerialNumber_, [](const std::string& t) { handles().service->SetSerialNumber(t); },
+                     [] { return handles().service->GetSerialNumber(); }};
+    txtSerialNumber_->installEventFilter(this); // Enter and leaving the box: eventFilter, then enterText
     newLabel(this, "lblFwRevision", QStringLiteral("Firmware Revision"), 120, 1005, 2295, 255);
     txtFwRevision_ = newTextBox(this, "txtFwRevision", 2520, 960, 2775, 315, true);
     newLabel(this, "lblDrvRevision", QStringLiteral("Driver Revision"), 120, 1425, 2295, 255);
     txtDrvRevision_ = newTextBox(this, "txtDrvRevision", 2520, 1380, 2775, 315, true);
     QPushButton* cmdSave = newButton(this, "cmdSave", QStringLiteral("Save"), 120, 2040, 1215, 375);
-    QPushButton* cmdRecall = newButton(this, "cmdRecall", QStringLiteral("Recall"), 1440, 2040, 1215, 375);
-    QPushButton* cmdReturn = newButton(this, "cmdReturn", QStringLiteral("Return"), 4080, 2040, 1215, 375);
-
-    hwRevision_ = {txtHwRevision_, [](const std::string& t) { handles().service->SetHardwareRevision(t); },
-                   [] { return handles().service->GetHardwareRevision(); }};
-    serialNumber_ = {txtSerialNumber_, [](const std::string& t) { handles().service->SetSerialNumber(t); },
-                     [] { return handles().service->GetSerialNumber(); }};
-    txtHwRevision_->installEventFilter(this);
-    txtSerialNumber_->installEventFilter(this);
     connect(cmdSave, &QPushButton::clicked, this, &frmVersion::cmdSave_Click);
+    QPushButton* cmdRecall = newButton(this, "cmdRecall", QStringLiteral("Recall"), 1440, 2040, 1215, 375);
     connect(cmdRecall, &QPushButton::clicked, this, &frmVersion::cmdRecall_Click);
+    QPushButton* cmdReturn = newButton(this, "cmdReturn", QStringLiteral("Return"), 4080, 2040, 1215, 375);
     connect(cmdReturn, &QPushButton::clicked, this, &Form::accept);
 
     if (factoryMode_) {
@@ -65,8 +64,8 @@ frmVersion::frmVersion(QWidget* parent, bool factoryMode) : CommandForm(parent),
     trapErrors([this] { refresh(); });
 }
 
-// Each text is read into its box in this order; a failing read leaves the boxes after it as they were. The main
-// and the service interface each answer the four reads.
+// Each text is read into its box in this order; a failing read leaves the boxes after it as they were. The
+// main and the service interface each answer the four reads.
 void frmVersion::refresh() {
     const auto show = [this](auto& from) {
         txtHwRevision_->setText(qtext(from.GetHardwareRevision()));

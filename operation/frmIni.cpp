@@ -1,13 +1,13 @@
 #include "operation/frmIni.h"
 
+#include "controls/Twips.h"
+#include "controls/UpDown.h"
 #include "kit/FormBuild.h"
 #include "kit/Gestures.h"
 #include "kit/Messages.h"
 #include "kit/Reads.h"
 #include "kit/frmVersion.h"
 #include "kit/modGlobal.h"
-#include "controls/Twips.h"
-#include "controls/UpDown.h"
 #include "operation/OperationLogic.h"
 #include "operation/frmIniPiezo.h"
 #include "operation/frmIniSetting.h"
@@ -71,7 +71,14 @@ void frmIni::build() {
     QGroupBox* frmSpeed =
         newFrame(this, "frmSpindleSpeed", QStringLiteral("Spindle Speed"), 120, 60, 3000, 1100);
     usrRpm_ = newValueField(frmSpeed, "usrRpm", 120, 270, 2460, 300, {.unit = "rpm"});
+    connect(usrRpm_, &userText::ChangeValue, this, &frmIni::usrRpm_ChangeValue);
+    if (auto* rpmBox = usrRpm_->findChild<QLineEdit*>()) {
+        connect(rpmBox, &QLineEdit::textEdited, this, [this] { rpmTyped_ = true; });
+        rpmBox->installEventFilter(this);
+    }
     auto* updnRpm = put(new UpDown(frmSpeed), "updnRpm", 2620, 270, 255, 300);
+    connect(updnRpm, &UpDown::down, this, [this] { updnRpm_Click(-1); });
+    connect(updnRpm, &UpDown::up, this, [this] { updnRpm_Click(+1); });
     updnRpm->setButtonNames(QStringLiteral("Speed up"), QStringLiteral("Speed down"));
     usrRpmMin_ = newValueField(frmSpeed, "usrRpmMin", 120, 660, 1320, 300,
                                {.caption = QStringLiteral("Lowest speed"), .unit = "rpm", .locked = true});
@@ -81,6 +88,7 @@ void frmIni::build() {
     QGroupBox* frmHome =
         newFrame(this, "frmStateAtHome", QStringLiteral("Spindle Setting at Home"), 120, 1240, 3000, 700);
     cmbStateAtHome_ = put(new QComboBox(frmHome), "cmbStateAtHome", 120, 280, 2760, 315);
+    connect(cmbStateAtHome_, &QComboBox::activated, this, &frmIni::cmbStateAtHome_Click);
 
     QGroupBox* frmInputs = newFrame(this, "frmEmergency", QStringLiteral("Emergency / Outer Cover Status"),
                                     120, 2020, 3000, 1100);
@@ -115,12 +123,20 @@ void frmIni::build() {
         const char* button;
         const char* caption;
         const char* field;
+        void (*click)(frmIni& panel);
     };
     constexpr PositionRow rows[] = {
-        {"cmdPosInner", "Inner", "usrInnerRadius"}, {"cmdPosOuter", "Outer", "usrOuterRadius"},
-        {"cmdPos1", "Pos1", "usrPos1Radius"},       {"cmdPos2", "Pos2", "usrPos2Radius"},
-        {"cmdPos3", "Pos3", "usrPos3Radius"},       {"cmdLoad", "Load", "usrLoadRadius"},
-        {"cmdUnload", "Unload", "usrUnloadRadius"}};
+        {"cmdPosInner", "Inner", "usrInnerRadius",
+         [](frmIni& panel) { panel.moveToMeasurementPosition(stopper::Inner); }},
+        {"cmdPosOuter", "Outer", "usrOuterRadius",
+         [](frmIni& panel) { panel.moveToMeasurementPosition(stopper::Outer); }},
+        {"cmdPos1", "Pos1", "usrPos1Radius", [](frmIni& panel) { panel.moveToPos(0); }},
+        {"cmdPos2", "Pos2", "usrPos2Radius", [](frmIni& panel) { panel.moveToPos(1); }},
+        {"cmdPos3", "Pos3", "usrPos3Radius", [](frmIni& panel) { panel.moveToPos(2); }},
+        {"cmdLoad", "Load", "usrLoadRadius",
+         [](frmIni& panel) { panel.command([] { handles().driver->Load(); }); }},
+        {"cmdUnload", "Unload", "usrUnloadRadius",
+         [](frmIni& panel) { panel.command([] { handles().driver->Unload(); }); }}};
     std::array<QPushButton*, 7> rowButtons{};
     std::array<userProperty*, 7> rowFields{};
     for (std::size_t i = 0; i < std::size(rows); ++i) {
@@ -129,6 +145,7 @@ void frmIni::build() {
         const bool posRow = i >= 2 && i < 5;
         rowButtons[i] =
             newButton(frmPosition, rows[i].button, QString::fromLatin1(rows[i].caption), 120, top, 975, 300);
+        connect(rowButtons[i], &QPushButton::clicked, this, [this, click = rows[i].click] { click(*this); });
         rowFields[i] = radiusField(frmPosition, rows[i].field, top, loadRow ? QString() : blanks, !posRow);
     }
     std::copy_n(rowButtons.begin(), 5, positionButtons_.begin());
@@ -139,10 +156,16 @@ void frmIni::build() {
     usrUnloadRadius_ = rowFields[6];
 
     QPushButton* cmdPiezo = newButton(this, "cmdPiezo", QStringLiteral("Piezo Info"), 120, 3240, 1335, 375);
+    connect(cmdPiezo, &QPushButton::clicked, this, [this] { openNeighbour(makeWindow<frmIniPiezo>()); });
     QPushButton* cmdSetting = newButton(this, "cmdSetting", QStringLiteral("Setting"), 1575, 3240, 1335, 375);
+    connect(cmdSetting, &QPushButton::clicked, this, [this] { openNeighbour(makeWindow<frmIniSetting>()); });
     QPushButton* cmdReset = newButton(this, "cmdReset", QStringLiteral("Reset"), 3030, 3240, 1335, 375);
+    connect(cmdReset, &QPushButton::clicked, this, &frmIni::cmdReset_Click);
     QPushButton* cmdVersion = newButton(this, "cmdVersion", QStringLiteral("Version"), 4485, 3240, 1335, 375);
+    // The panel shows the version window in normal mode.
+    connect(cmdVersion, &QPushButton::clicked, this, [this] { openNeighbour(makeWindow<frmVersion>()); });
     QPushButton* cmdReturn = newButton(this, "cmdReturn", QStringLiteral("Return"), 8805, 3240, 1335, 375);
+    connect(cmdReturn, &QPushButton::clicked, this, &Form::accept);
 
     frmSpindleState_ =
         newFrame(this, "frmSpindleState", QStringLiteral("Spindle State"), 120, 4080, 4240, 1140);
@@ -150,48 +173,23 @@ void frmIni::build() {
     txtMotor_ = newTextBox(frmSpindleState_, "txtMotor", 120, 720, 1500, 300, true);
     QPushButton* cmdSpindleRun =
         newButton(frmSpindleState_, "cmdSpindleRun", QStringLiteral("Run"), 1740, 280, 1140, 375);
+    connect(cmdSpindleRun, &QPushButton::clicked, this, &frmIni::spindleRun);
     QPushButton* cmdSpindleStop =
         newButton(frmSpindleState_, "cmdSpindleStop", QStringLiteral("Standby"), 2980, 280, 1140, 375);
+    connect(cmdSpindleStop, &QPushButton::clicked, this, &frmIni::spindleStandby);
     QPushButton* cmdSpindleOff = newButton(frmSpindleState_, "cmdSpindleOff",
                                            QStringLiteral("Off (i.e. Media Change)"), 1740, 700, 2380, 375);
+    connect(cmdSpindleOff, &QPushButton::clicked, this, &frmIni::spindleOff);
 
     frmHeadLoader_ = newFrame(this, "frmHeadLoader", QStringLiteral("Head Loader"), 4480, 4080, 3000, 1140);
     txtHeadLoader_ = newTextBox(frmHeadLoader_, "txtHeadLoader", 120, 300, 1200, 300, true);
     QPushButton* cmdHeadLoaderUp =
         newButton(frmHeadLoader_, "cmdHeadLoaderUp", QStringLiteral("Up (unload)"), 1440, 280, 1440, 375);
+    connect(cmdHeadLoaderUp, &QPushButton::clicked, this, [this] { setHeadLoader(false); });
     QPushButton* cmdHeadLoaderDn =
         newButton(frmHeadLoader_, "cmdHeadLoaderDn", QStringLiteral("Dn (load)"), 1440, 700, 1440, 375);
-
-    connect(rowButtons[0], &QPushButton::clicked, this,
-            [this] { moveToMeasurementPosition(stopper::Inner); });
-    connect(rowButtons[1], &QPushButton::clicked, this,
-            [this] { moveToMeasurementPosition(stopper::Outer); });
-    for (int i = 0; i < 3; ++i)
-        connect(rowButtons[static_cast<std::size_t>(i) + 2], &QPushButton::clicked, this,
-                [this, i] { moveToPos(i); });
-    connect(rowButtons[5], &QPushButton::clicked, this,
-            [this] { command([] { handles().driver->Load(); }); });
-    connect(rowButtons[6], &QPushButton::clicked, this,
-            [this] { command([] { handles().driver->Unload(); }); });
-    connect(cmdSpindleRun, &QPushButton::clicked, this, &frmIni::spindleRun);
-    connect(cmdSpindleStop, &QPushButton::clicked, this, &frmIni::spindleStandby);
-    connect(cmdSpindleOff, &QPushButton::clicked, this, &frmIni::spindleOff);
     connect(cmdHeadLoaderDn, &QPushButton::clicked, this, [this] { setHeadLoader(true); });
-    connect(cmdHeadLoaderUp, &QPushButton::clicked, this, [this] { setHeadLoader(false); });
-    connect(cmbStateAtHome_, &QComboBox::activated, this, &frmIni::cmbStateAtHome_Click);
-    connect(usrRpm_, &userText::ChangeValue, this, &frmIni::usrRpm_ChangeValue);
-    if (auto* rpmBox = usrRpm_->findChild<QLineEdit*>()) {
-        connect(rpmBox, &QLineEdit::textEdited, this, [this] { rpmTyped_ = true; });
-        rpmBox->installEventFilter(this);
-    }
-    connect(updnRpm, &UpDown::down, this, [this] { updnRpm_Click(-1); });
-    connect(updnRpm, &UpDown::up, this, [this] { updnRpm_Click(+1); });
-    connect(cmdReset, &QPushButton::clicked, this, &frmIni::cmdReset_Click);
-    connect(cmdSetting, &QPushButton::clicked, this, [this] { openNeighbour(makeWindow<frmIniSetting>()); });
-    connect(cmdPiezo, &QPushButton::clicked, this, [this] { openNeighbour(makeWindow<frmIniPiezo>()); });
-    // The panel shows the version window in normal mode.
-    connect(cmdVersion, &QPushButton::clicked, this, [this] { openNeighbour(makeWindow<frmVersion>()); });
-    connect(cmdReturn, &QPushButton::clicked, this, &Form::accept);
+
     // The panel is for watching: it opens with the focus on "Return", not in the speed field, so that a stray
     // key changes nothing.
     cmdReturn->setFocus();

@@ -30,6 +30,7 @@ void frmIniSetting::build() {
     QGroupBox* frmLoadMethod =
         newFrame(this, "frmLoadMethod", QStringLiteral("Load Method"), 120, 60, 3600, 700);
     cmbLoadMethod_ = put(new QComboBox(frmLoadMethod), "cmbLoadMethod", 120, 280, 3360, 315);
+    connect(cmbLoadMethod_, &QComboBox::activated, this, &frmIniSetting::cmbLoadMethod_Click);
 
     QGroupBox* frmLoadPosition =
         newFrame(this, "frmLoadPosition", QStringLiteral("Load/Unload Position"), 120, 840, 3600, 2580);
@@ -44,28 +45,40 @@ void frmIniSetting::build() {
     usrUnloadSkew_ = newProperty(frmUnload, "usrUnloadSkew", 60, 580, 3360, 300, skew);
     QPushButton* cmdLoadPosition =
         newButton(frmLoadPosition, "cmdLoadPosition", QStringLiteral("Set"), 1260, 2160, 1095, 315);
+    connect(cmdLoadPosition, &QPushButton::clicked, this, &frmIniSetting::cmdLoadPosition_Click);
     QPushButton* cmdLoadPositionReset =
         newButton(frmLoadPosition, "cmdLoadPositionReset", QStringLiteral("Reset"), 2400, 2160, 1095, 315);
+    connect(cmdLoadPositionReset, &QPushButton::clicked, this,
+            [this] { command([this] { refreshLoadPosition(); }); });
 
     QGroupBox* frmDataArea = newFrame(this, "frmDataArea", QStringLiteral("Data Area"), 3840, 60, 3600, 2160);
+    // The outer radius follows every committed edit of the data area at once, before anything is sent.
     usrInnerRadius_ = row(frmDataArea, "usrInnerRadius", 300,
                           {.caption = QStringLiteral("Inner Radius"), .unit = "mm", .scale = 0.001});
+    connect(usrInnerRadius_, &userProperty::ChangeValue, this, &frmIniSetting::updateOuterRadius);
     usrMaxTrack_ =
         row(frmDataArea, "usrMaxTrack", 660, {.caption = QStringLiteral("Max Track #"), .unit = " "});
+    connect(usrMaxTrack_, &userProperty::ChangeValue, this, &frmIniSetting::updateOuterRadius);
     usrPitch_ = row(frmDataArea, "usrPitch", 1020,
                     {.caption = QStringLiteral("Track Pitch"), .unit = "um", .scale = 0.000001});
+    connect(usrPitch_, &userProperty::ChangeValue, this, &frmIniSetting::updateOuterRadius);
     usrOuterRadius_ =
         row(frmDataArea, "usrOuterRadius", 1380,
             {.caption = QStringLiteral("Outer Radius"), .unit = "mm", .scale = 0.001, .locked = true});
     QPushButton* cmdDataArea =
         newButton(frmDataArea, "cmdDataArea", QStringLiteral("Set"), 1260, 1740, 1095, 315);
+    connect(cmdDataArea, &QPushButton::clicked, this, &frmIniSetting::cmdDataArea_Click);
     QPushButton* cmdDataAreaReset =
         newButton(frmDataArea, "cmdDataAreaReset", QStringLiteral("Reset"), 2400, 1740, 1095, 315);
+    connect(cmdDataAreaReset, &QPushButton::clicked, this,
+            [this] { command([this] { refreshDataArea(); }); });
 
     QGroupBox* frmRestriction = newFrame(this, "frmDiskSizeRestriction",
                                          QStringLiteral("DiskSizeRestriction"), 3840, 2280, 3600, 640);
     chkDiskSizeRestrictionOn_ = put(new QCheckBox(QStringLiteral("Restriction OFF"), frmRestriction),
                                     "chkDiskSizeRestrictionOn", 120, 260, 3360, 300);
+    connect(chkDiskSizeRestrictionOn_, &QCheckBox::clicked, this,
+            &frmIniSetting::chkDiskSizeRestrictionOn_Click);
 
     QGroupBox* frmDiskSize =
         newFrame(this, "frmDiskSize", QStringLiteral("Disk Size"), 3840, 3000, 3600, 1040);
@@ -87,24 +100,11 @@ void frmIniSetting::build() {
                                           {.unit = "um", .scale = 0.000001, .locked = true});
 
     QPushButton* cmdExport = newButton(this, "cmdExport", QStringLiteral("Export"), 120, 5340, 1215, 375);
-    QPushButton* cmdImport = newButton(this, "cmdImport", QStringLiteral("Import"), 1440, 5340, 1215, 375);
-    QPushButton* cmdReturn = newButton(this, "cmdReturn", QStringLiteral("Return"), 6465, 5340, 975, 375);
-
-    connect(cmbLoadMethod_, &QComboBox::activated, this, &frmIniSetting::cmbLoadMethod_Click);
-    connect(cmdLoadPosition, &QPushButton::clicked, this, &frmIniSetting::cmdLoadPosition_Click);
-    connect(cmdLoadPositionReset, &QPushButton::clicked, this,
-            [this] { command([this] { refreshLoadPosition(); }); });
-    connect(cmdDataArea, &QPushButton::clicked, this, &frmIniSetting::cmdDataArea_Click);
-    connect(cmdDataAreaReset, &QPushButton::clicked, this,
-            [this] { command([this] { refreshDataArea(); }); });
-    // The outer radius follows every committed edit of the data area at once, before anything is sent.
-    for (userProperty* field : {usrInnerRadius_, usrMaxTrack_, usrPitch_})
-        connect(field, &userProperty::ChangeValue, this, &frmIniSetting::updateOuterRadius);
-    connect(chkDiskSizeRestrictionOn_, &QCheckBox::clicked, this,
-            &frmIniSetting::chkDiskSizeRestrictionOn_Click);
     connect(cmdExport, &QPushButton::clicked, this,
             [this] { exportSettingGroup(*this, SettingGroup::Setting); });
+    QPushButton* cmdImport = newButton(this, "cmdImport", QStringLiteral("Import"), 1440, 5340, 1215, 375);
     connect(cmdImport, &QPushButton::clicked, this, &frmIniSetting::cmdImport_Click);
+    QPushButton* cmdReturn = newButton(this, "cmdReturn", QStringLiteral("Return"), 6465, 5340, 975, 375);
     connect(cmdReturn, &QPushButton::clicked, this, &Form::accept);
 }
 

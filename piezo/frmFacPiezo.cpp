@@ -33,16 +33,19 @@ frmFacPiezo::~frmFacPiezo() = default;
 void frmFacPiezo::build() {
     usrPiezoSerial_ =
         newProperty(this, "usrPiezoSerial", 120, 120, 4320, 300, {.caption = QStringLiteral("Piezo Serial")});
+    connect(usrPiezoSerial_, &userProperty::ChangeValue, this, &frmFacPiezo::usrPiezoSerial_ChangeValue);
 
     const int coefFrameHeight = 300 + kCoefRows * kRowPitch + 120;
     const int calFrameHeight = 1800 + coefFrameHeight + 120;
     QGroupBox* frmCal = newFrame(this, "frmCalibarationData", QStringLiteral("Calibration Data"), 120, 540,
                                  4320, calFrameHeight);
-    const auto range = [frmCal](const char* label, const char* name, const char* caption, int top,
-                                const char* unit) {
+    // Every field of the calibration, the range and the coefficients, is handled by calibration_ChangeValue.
+    const auto range = [this, frmCal](const char* label, const char* name, const char* caption, int top,
+                                      const char* unit) {
         QLabel* lbl = newLabel(frmCal, label, QString::fromLatin1(caption), 120, top + 30, 900, 255);
         userText* field =
             newValueField(frmCal, name, 1080, top, 3120, 300, {.unit = QString::fromLatin1(unit)});
+        connect(field, &userText::ChangeValue, this, &frmFacPiezo::calibration_ChangeValue);
         lbl->setBuddy(field);
         return field;
     };
@@ -56,12 +59,18 @@ void frmFacPiezo::build() {
         const QByteArray name = "usrCalCoef_" + QByteArray::number(i);
         usrCalCoef_[static_cast<std::size_t>(i)] =
             newProperty(frmCalCoef, name.constData(), 120, 300 + i * kRowPitch, 3960, 300, {});
+        connect(usrCalCoef_[static_cast<std::size_t>(i)], &userProperty::ChangeValue, this,
+                &frmFacPiezo::calibration_ChangeValue);
     }
 
     const int adjustFrameHeight = AdjustRows::bottomTwips(kAdjustRows, 300) + 180;
     QGroupBox* frmAdjust =
         newFrame(this, "frmAdjust", QStringLiteral("Adjust"), 4560, 540, 4320, adjustFrameHeight);
     adjust_ = std::make_unique<AdjustRows>(frmAdjust, kAdjustRows, 120, 300, 4080);
+    for (int i = 0; i < kAdjustRows; ++i) {
+        connect(adjust_->rows()[static_cast<std::size_t>(i)], &userProperty::ChangeValue, this,
+                [this, i] { usrAdjust_ChangeValue(i); });
+    }
 
     const int controlTop = 540 + calFrameHeight + 120;
     const int controlFrameHeight = ControlDataFields::bottomTwips() + 600;
@@ -70,6 +79,7 @@ void frmFacPiezo::build() {
     control_ = std::make_unique<ControlDataFields>(frmControlData, true);
     QPushButton* cmdAdvanced = newButton(frmControlData, "cmdAdvanced", QStringLiteral("Advanced"), 7425,
                                          ControlDataFields::bottomTwips() + 120, 1215, 375);
+    connect(cmdAdvanced, &QPushButton::clicked, this, &frmFacPiezo::cmdAdvanced_Click);
 
     const int buttonTop = controlTop + controlFrameHeight + 180;
     addGroupRow({.top = buttonTop,
@@ -80,17 +90,6 @@ void frmFacPiezo::build() {
                  .returnButton = {7905, 975}},
                 [this] { refreshAll(); });
     setClientSizeTwips(9000, buttonTop + 495);
-
-    connect(usrPiezoSerial_, &userProperty::ChangeValue, this, &frmFacPiezo::usrPiezoSerial_ChangeValue);
-    for (userText* field : {usrVmin_, usrVmax_, usrXmin_, usrXmax_})
-        connect(field, &userText::ChangeValue, this, &frmFacPiezo::calibration_ChangeValue);
-    for (userProperty* row : usrCalCoef_)
-        connect(row, &userProperty::ChangeValue, this, &frmFacPiezo::calibration_ChangeValue);
-    for (int i = 0; i < kAdjustRows; ++i) {
-        connect(adjust_->rows()[static_cast<std::size_t>(i)], &userProperty::ChangeValue, this,
-                [this, i] { usrAdjust_ChangeValue(i); });
-    }
-    connect(cmdAdvanced, &QPushButton::clicked, this, &frmFacPiezo::cmdAdvanced_Click);
 }
 
 void frmFacPiezo::setLabels() {

@@ -98,25 +98,26 @@ frmFacPiezoControl::frmFacPiezoControl(QWidget* parent)
     QGroupBox* frmControlData =
         newFrame(this, "frmControlData", QStringLiteral("Control Data"), 120, 120, 8520, frameHeight);
     fields_ = std::make_unique<ControlDataFields>(frmControlData, false);
-    const int buttonTop = frameHeight + 240;
-    QPushButton* cmdOK = newButton(this, "cmdOK", QStringLiteral("OK"), 120, buttonTop, 1215, 375);
-    QPushButton* cmdCancel =
-        newButton(this, "cmdCancel", QStringLiteral("Cancel"), 1440, buttonTop, 1215, 375);
-    QPushButton* cmdExport =
-        newButton(this, "cmdExport", QStringLiteral("Export"), 6105, buttonTop, 1215, 375);
-    QPushButton* cmdImport =
-        newButton(this, "cmdImport", QStringLiteral("Import"), 7425, buttonTop, 1215, 375);
-
-    fields_->field(0, 1)->hide(); // Lth and Tstep have row 0 only
-    fields_->field(4, 1)->hide();
     for (int r = 0; r < ControlDataFields::kRows; ++r) {
         for (int q = 0; q < ControlDataFields::kQuantities; ++q)
             connect(fields_->field(q, r), &userText::ChangeValue, this,
                     &frmFacPiezoControl::field_ChangeValue);
     }
+    const int buttonTop = frameHeight + 240;
+    QPushButton* cmdOK = newButton(this, "cmdOK", QStringLiteral("OK"), 120, buttonTop, 1215, 375);
     connect(cmdOK, &QPushButton::clicked, this, &Form::accept);
+    QPushButton* cmdCancel =
+        newButton(this, "cmdCancel", QStringLiteral("Cancel"), 1440, buttonTop, 1215, 375);
     connect(cmdCancel, &QPushButton::clicked, this, &frmFacPiezoControl::cmdCancel_Click);
+    // Export and Import are the page's group buttons, connected together right after both.
+    QPushButton* cmdExport =
+        newButton(this, "cmdExport", QStringLiteral("Export"), 6105, buttonTop, 1215, 375);
+    QPushButton* cmdImport =
+        newButton(this, "cmdImport", QStringLiteral("Import"), 7425, buttonTop, 1215, 375);
     connectGroupButtons({.exportButton = cmdExport, .importButton = cmdImport}, [this] { refresh(); });
+
+    fields_->field(0, 1)->hide(); // Lth and Tstep have row 0 only
+    fields_->field(4, 1)->hide();
 
     restore_ = handles().service->GetPiezoControlData();
     refresh();

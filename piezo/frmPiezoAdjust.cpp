@@ -69,6 +69,7 @@ frmPiezoAdjust::frmPiezoAdjust(QWidget* parent) : PollingForm(parent) {
     setWindowTitle(QStringLiteral("Piezo DAC Adjust (Factory use only)"));
     chkPiezoLoop_ =
         put(new QCheckBox(QStringLiteral("Piezo Loop Close"), this), "chkPiezoLoop", 120, 240, 2400, 300);
+    connect(chkPiezoLoop_, &QCheckBox::clicked, this, &frmPiezoAdjust::chkPiezoLoop_Click);
     QGroupBox* frmStatus = newFrame(this, "frmStatus", QStringLiteral("Loop Status"), 2640, 60, 2040, 720);
     txtBalanced_ = newTextBox(frmStatus, "txtBalanced", 120, 300, 1800, 300, true);
     txtBalanced_->setText(QStringLiteral("Unbalace"));
@@ -76,24 +77,22 @@ frmPiezoAdjust::frmPiezoAdjust(QWidget* parent) : PollingForm(parent) {
     const int frameHeight = AdjustRows::bottomTwips(kAdjustRows, 300) + 180;
     QGroupBox* frmAdjust = newFrame(this, "frmAdjust", QStringLiteral("Adjust"), 120, 900, 4560, frameHeight);
     adjust_.emplace(frmAdjust, kAdjustRows, 120, 300, 4320);
-    const int buttonTop = 900 + frameHeight + 120;
-    QPushButton* cmdExport =
-        newButton(this, "cmdExport", QStringLiteral("Export"), 120, buttonTop, 1215, 375);
-    QPushButton* cmdImport =
-        newButton(this, "cmdImport", QStringLiteral("Import"), 1440, buttonTop, 1215, 375);
-    QPushButton* cmdReturn =
-        newButton(this, "cmdReturn", QStringLiteral("Return"), 3705, buttonTop, 975, 375);
-    setClientSizeTwips(4800, buttonTop + 495);
-
-    connect(chkPiezoLoop_, &QCheckBox::clicked, this, &frmPiezoAdjust::chkPiezoLoop_Click);
     for (int i = 0; i < kAdjustRows; ++i) {
         connect(adjust_->rows()[static_cast<std::size_t>(i)], &userProperty::ChangeValue, this,
                 [this, i] { usrAdjust_ChangeValue(i); });
     }
+    const int buttonTop = 900 + frameHeight + 120;
+    QPushButton* cmdExport =
+        newButton(this, "cmdExport", QStringLiteral("Export"), 120, buttonTop, 1215, 375);
     connect(cmdExport, &QPushButton::clicked, this,
             [this] { exportSettingGroup(*this, SettingGroup::PiezoAdjustData); });
+    QPushButton* cmdImport =
+        newButton(this, "cmdImport", QStringLiteral("Import"), 1440, buttonTop, 1215, 375);
     connect(cmdImport, &QPushButton::clicked, this, &frmPiezoAdjust::cmdImport_Click);
+    QPushButton* cmdReturn =
+        newButton(this, "cmdReturn", QStringLiteral("Return"), 3705, buttonTop, 975, 375);
     connect(cmdReturn, &QPushButton::clicked, this, &frmPiezoAdjust::cmdReturn_Click);
+    setClientSizeTwips(4800, buttonTop + 495);
 
     adjust_->setLabels(handles().service->GetPiezoAdjustList());
     refresh();

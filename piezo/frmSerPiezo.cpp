@@ -23,7 +23,7 @@ QTableWidget* newGrid(QWidget* frame, const char* name, const QString& accessibl
     auto* grid = put(new QTableWidget(frame), name, 120, top, 4920, height);
     grid->setAccessibleName(accessibleName);
     grid->setEditTriggers(QAbstractItemView::NoEditTriggers);
-    grid->setTabKeyNavigation(false); // Tab leaves the grid; the arrows walk its cells
+    grid->setTabKeyNavigation(false);    // Tab leaves the grid; the arrows walk its cells
     grid->setCornerButtonEnabled(false); // nothing to select in a report
     grid->verticalHeader()->setDefaultSectionSize(twipsToPixels(kGridRowHeight));
     return grid;
@@ -76,10 +76,9 @@ frmSerPiezo::frmSerPiezo(QWidget* parent) : CommandForm(parent) {
             r, new QTableWidgetItem(QString::fromLatin1(kControlRows[r].name)));
     grdPiezoControl_->horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
     QPushButton* cmdExport = newButton(this, "cmdExport", QStringLiteral("Export"), 120, 6420, 1215, 375);
-    QPushButton* cmdReturn = newButton(this, "cmdReturn", QStringLiteral("Return"), 4305, 6420, 975, 375);
-
     connect(cmdExport, &QPushButton::clicked, this,
             [this] { exportSettingGroup(*this, SettingGroup::PiezoInformation); });
+    QPushButton* cmdReturn = newButton(this, "cmdReturn", QStringLiteral("Return"), 4305, 6420, 975, 375);
     connect(cmdReturn, &QPushButton::clicked, this, &Form::accept);
 
     usrSerial_->setValue(Variant(handles().service->GetPiezoSerial()));

@@ -67,7 +67,6 @@ const std::array<frmSer::BacklashMove, 5> frmSer::kBacklashMoves = {{
 frmSer::frmSer(QWidget* parent) : PollingForm(parent) {
     setWindowTitle(appTitle() + QStringLiteral(" (Service use only)"));
     build();
-    connectCommands();
     // A refusal while the panel loads is reported, and the panel opens all the same: it is where the engineer
     // puts the instrument right.
     trapErrors([this] {
@@ -91,6 +90,7 @@ void frmSer::build() {
         newFrame(frmDirect, "frmHeadLoader", QStringLiteral("Head Loader"), 3140, 240, 2980, 1000);
     optHeadLoader_.group =
         newOptions(frmHeadLoader, "optHeadLoader", {{1, "Down (Load)"}, {0, "Up (Unload)"}}, 1800);
+    sendOnClick(optHeadLoader_, [](int index) { handles().service->SetHeadLoaderState(index == 0); });
     txtSpindleSet_ =
         labelledBox(frmDirect, "lblSpindleSet", "Spindle Set", "txtSpindleSet", 3260, 1340, 4620, 1500);
     txtVacuum_ = labelledBox(frmDirect, "lblVacuum", "Vacuum", "txtVacuum", 3260, 1700, 4620, 1500);
@@ -114,8 +114,9 @@ void frmSer::build() {
         const PositionRow& row = positions[i];
         const int top = 300 + static_cast<int>(i) * 420;
         const std::string name = "cmdPosition_" + std::to_string(row.code);
-        cmdPosition_[static_cast<std::size_t>(row.code)] =
-            newButton(frmPosition, name.c_str(), latin(row.caption), 120, top, 1200, 375);
+        QPushButton* button = newButton(frmPosition, name.c_str(), latin(row.caption), 120, top, 1200, 375);
+        connect(button, &QPushButton::clicked, this, [this, code = row.code] { cmdPosition_Click(code); });
+        cmdPosition_[static_cast<std::size_t>(row.code)] = button;
         positionBoxes[i] =
             statusBox(frmPosition, row.box, latin(row.spoken), latin(row.initial), 1440, top + 37, 1340);
     }
@@ -126,6 +127,7 @@ void frmSer::build() {
     QGroupBox* frmStopper =
         newFrame(frmDirect, "frmStopper", QStringLiteral("Stopper"), 3140, 2060, 2980, 1000);
     optStopper_.group = newOptions(frmStopper, "optStopper", {{0, "Up"}, {1, "Down"}}, 1200);
+    sendOnClick(optStopper_, [](int index) { handles().service->SetStopper(index == 0); });
     txtStopperUp_ = statusBox(frmStopper, "txtStopperUp", QStringLiteral("Stopper up sensor"),
                               QStringLiteral("Stopper Up"), 1440, 270, 1420);
     txtStopperDn_ = statusBox(frmStopper, "txtStopperDn", QStringLiteral("Stopper down sensor"),
@@ -134,12 +136,14 @@ void frmSer::build() {
     QGroupBox* frmLockdown =
         newFrame(frmDirect, "frmLockdown", QStringLiteral("Lockdown"), 120, 3700, 2900, 1000);
     optLockdown_.group = newOptions(frmLockdown, "optLockdown", {{1, "Free"}, {0, "Lockdown"}}, 1300);
+    sendOnClick(optLockdown_, [](int index) { handles().service->SetLockdown(index == 0); });
     txtLockdown_ =
         statusBox(frmLockdown, "txtLockdown", QStringLiteral("Lockdown sensor"), QString(), 1440, 270, 1340);
 
     QGroupBox* frmStage =
         newFrame(frmDirect, "frmStage", QStringLiteral("Stage Motor"), 3140, 3700, 2980, 1000);
     optStageMotor_.group = newOptions(frmStage, "optStageMotor", {{0, "Off"}, {1, "Standby"}}, 1300);
+    sendOnClick(optStageMotor_, [](int index) { handles().service->SetStageMotor(index); });
 
     buildStageJog(frmDirect);
 
@@ -156,8 +160,11 @@ void frmSer::build() {
     buildBacklash(this);
 
     cmdPiezo_ = newButton(this, "cmdPiezo", QStringLiteral("Piezo Data"), 120, 5900, 1500, 375);
+    connect(cmdPiezo_, &QPushButton::clicked, this, [this] { openModal(menuWindows().piezoInformation); });
     cmdReset_ = newButton(this, "cmdReset", QStringLiteral("Reset"), 1740, 5900, 1500, 375);
+    connect(cmdReset_, &QPushButton::clicked, this, &frmSer::cmdReset_Click);
     cmdReturn_ = newButton(this, "cmdReturn", QStringLiteral("Return"), 8340, 5900, 1500, 375);
+    connect(cmdReturn_, &QPushButton::clicked, this, &Form::accept);
     // The panel opens with the focus on "Return", not in the speed field, so that a stray key sends nothing.
     cmdReturn_->setFocus();
 }
@@ -167,9 +174,11 @@ void frmSer::buildSpindle(QWidget* frame) {
         newFrame(frame, "frmSpindle", QStringLiteral("Spindle Motor"), 120, 240, 2900, 1740);
     usrRpm_ = newProperty(frmSpindle, "usrRpm", 60, 270, 2780, 300,
                           {.caption = QStringLiteral("Speed"), .unit = QStringLiteral("rpm")});
+    connect(usrRpm_, &userProperty::ChangeValue, this, &frmSer::usrRpm_ChangeValue);
     txtSpindleState_ =
         statusBox(frmSpindle, "txtSpindleState", QStringLiteral("Spindle state"), QString(), 1500, 660, 1280);
     optSpindle_.group = newOptions(frmSpindle, "optSpindle", {{2, "Run"}, {1, "Standby"}, {0, "Off"}}, 1300);
+    sendOnClick(optSpindle_, [](int index) { handles().service->SetSpindleState(index); });
     // The options stand under the speed, beside the state.
     for (QAbstractButton* option : optSpindle_.group->buttons())
         option->move(option->x(), option->y() + twipsToPixels(390));
@@ -191,16 +200,22 @@ void frmSer::buildStageJog(QWidget* frame) {
         newProperty(frmStageJog, "usrCount1", 2640, 300, 2040, 300, {.caption = QStringLiteral("Pulse")});
     usrCount1_->setValue(Variant(std::int32_t{101}));
     cmdJogExec_ = newButton(frmStageJog, "cmdJogExec", QStringLiteral("Move"), 4800, 270, 1080, 375);
+    connect(cmdJogExec_, &QPushButton::clicked, this, &frmSer::cmdJogExec_Click);
 }
 
 void frmSer::buildBacklash(QWidget* parent) {
     QGroupBox* frmBacklash =
         newFrame(parent, "frmBacklashOpe", QStringLiteral("Backlash Compensation"), 6480, 2040, 3360, 2880);
-    for (std::size_t i = 0; i < kBacklashMoves.size(); ++i)
+    for (std::size_t i = 0; i < kBacklashMoves.size(); ++i) {
         cmdBacklash_[i] = newButton(frmBacklash, kBacklashMoves[i].name, latin(kBacklashMoves[i].caption),
                                     120, 300 + static_cast<int>(i) * 420, 3120, 375);
+        connect(cmdBacklash_[i], &QPushButton::clicked, this,
+                [this, i] { runBacklashMove(kBacklashMoves[i]); });
+    }
     cmdSetBacklashData_ = newButton(frmBacklash, "cmdSetBacklashData", QStringLiteral("Set Backlash Data"),
                                     120, 2400, 3120, 375);
+    connect(cmdSetBacklashData_, &QPushButton::clicked, this,
+            [this] { openModal(withViewOnly(menuWindows().backlashCompensation, false)); });
 }
 
 // Options stacked in a frame, each named after its index, which is also its id in the group.
@@ -217,31 +232,11 @@ QButtonGroup* frmSer::newOptions(QWidget* frame, const char* name,
     return group;
 }
 
-void frmSer::connectCommands() {
-    // The option's index decides the argument; the head loader, lockdown and stopper send true for index 0.
-    const auto onClick = [this](Options& options, std::function<void(int)> send) {
-        connect(options.group, &QButtonGroup::idClicked, this,
-                [this, &options, send](int index) { sendOption(options, index, send); });
-    };
-    onClick(optSpindle_, [](int index) { handles().service->SetSpindleState(index); });
-    onClick(optHeadLoader_, [](int index) { handles().service->SetHeadLoaderState(index == 0); });
-    onClick(optLockdown_, [](int index) { handles().service->SetLockdown(index == 0); });
-    onClick(optStopper_, [](int index) { handles().service->SetStopper(index == 0); });
-    onClick(optStageMotor_, [](int index) { handles().service->SetStageMotor(index); });
-
-    connect(usrRpm_, &userProperty::ChangeValue, this, &frmSer::usrRpm_ChangeValue);
-    for (std::size_t code = 0; code < cmdPosition_.size(); ++code)
-        connect(cmdPosition_[code], &QPushButton::clicked, this,
-                [this, code] { cmdPosition_Click(static_cast<std::int16_t>(code)); });
-    connect(cmdJogExec_, &QPushButton::clicked, this, &frmSer::cmdJogExec_Click);
-    for (std::size_t i = 0; i < cmdBacklash_.size(); ++i)
-        connect(cmdBacklash_[i], &QPushButton::clicked, this,
-                [this, i] { runBacklashMove(kBacklashMoves[i]); });
-    connect(cmdSetBacklashData_, &QPushButton::clicked, this,
-            [this] { openModal(withViewOnly(menuWindows().backlashCompensation, false)); });
-    connect(cmdPiezo_, &QPushButton::clicked, this, [this] { openModal(menuWindows().piezoInformation); });
-    connect(cmdReset_, &QPushButton::clicked, this, &frmSer::cmdReset_Click);
-    connect(cmdReturn_, &QPushButton::clicked, this, &Form::accept);
+// A user's click on one of the group's options sends it: the option's index decides the argument (the head
+// loader, lockdown and stopper send true for index 0).
+void frmSer::sendOnClick(Options& options, std::function<void(int)> send) {
+    connect(options.group, &QButtonGroup::idClicked, this,
+            [this, &options, send = std::move(send)](int index) { sendOption(options, index, send); });
 }
 
 // ---------------------------------------------------------------------------------------------------------------

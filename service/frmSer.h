@@ -33,7 +33,7 @@ class frmSer : public PollingForm {
 
 public:
     // Loads the panel: lays it out, commands the stage motor off, selects the options from the instrument
-    // and starts polling. A failing call throws to the opener, which reports it.
+    // and starts polling. A failing call is reported, and the panel opens after the message all the same.
     explicit frmSer(QWidget* parent = nullptr);
 
     // One tick of the status timer.
@@ -72,7 +72,7 @@ private:
     void buildBacklash(QWidget* parent);
     static QButtonGroup* newOptions(QWidget* frame, const char* name,
                                     std::initializer_list<std::pair<int, const char*>> options, int width);
-    void connectCommands();
+    void sendOnClick(Options& options, std::function<void(int)> send);
 
     // Options from the instrument; nothing is sent.
     static void select(Options& options, int index);

@@ -32,44 +32,43 @@ frmSerSet::frmSerSet(QWidget* parent) : CommandForm(parent) {
     QLabel* lblSpinstand =
         newLabel(this, "lblSpinstand", QStringLiteral("Spinstand Model"), 120, 165, 1620, 255);
     cmbSpinstand_ = put(new QComboBox(this), "cmbSpinstand", 1800, 120, 3960, 315);
+    connect(cmbSpinstand_, &QComboBox::activated, this, &frmSerSet::cmbSpinstand_Click);
     lblSpinstand->setBuddy(cmbSpinstand_);
     usrSerialNumber_ = newProperty(this, "usrSerialNumber", 120, 600, 5640, 315, {});
+    connect(usrSerialNumber_, &userProperty::ChangeValue, this, &frmSerSet::usrSerialNumber_ChangeValue);
     usrHardwareRevision_ = newProperty(this, "usrHardwareRevision", 120, 1020, 5640, 315, {});
 
     QGroupBox* frmSetting =
         newFrame(this, "frmSetting", QStringLiteral("Setting Status"), 120, 1440, 5640, 615);
     optService_ =
         put(new QRadioButton(QStringLiteral("Service"), frmSetting), "optSetting_1", 240, 270, 1215, 255);
+    connect(optService_, &QRadioButton::clicked, this, [this] { optSetting_Click(true); });
     optNormal_ =
         put(new QRadioButton(QStringLiteral("Normal"), frmSetting), "optSetting_0", 2880, 270, 1215, 255);
+    connect(optNormal_, &QRadioButton::clicked, this, [this] { optSetting_Click(false); });
 
     QPushButton* cmdSpinstand =
         newButton(this, "cmdSpinstand", QStringLiteral("View Spinstand Parameters"), 120, 2220, 2760, 375);
+    connect(cmdSpinstand, &QPushButton::clicked, this, [this] { view(menuWindows().spinstandSettings); });
     QPushButton* cmdSpindle =
         newButton(this, "cmdSpindle", QStringLiteral("View Spindle Parameters"), 3000, 2220, 2760, 375);
+    connect(cmdSpindle, &QPushButton::clicked, this, [this] { view(menuWindows().spindleProperty); });
     QPushButton* cmdStage =
         newButton(this, "cmdStage", QStringLiteral("View Stage Parameters"), 120, 2700, 2760, 375);
+    connect(cmdStage, &QPushButton::clicked, this, [this] { view(menuWindows().stageProperty); });
     QPushButton* cmdCustomize =
         newButton(this, "cmdCustomize", QStringLiteral("View Measurement Position"), 3000, 2700, 2760, 375);
+    connect(cmdCustomize, &QPushButton::clicked, this, [this] { view(menuWindows().measurementPositions); });
     QPushButton* cmdBacklashComp =
         newButton(this, "cmdBacklashComp", QStringLiteral("Backlash Compensation"), 120, 3180, 2760, 375);
+    connect(cmdBacklashComp, &QPushButton::clicked, this, &frmSerSet::cmdBacklashComp_Click);
     QPushButton* cmdSave =
         newButton(this, "cmdSave", QStringLiteral("Save Setting to EEPROM"), 120, 3780, 2760, 375);
+    connect(cmdSave, &QPushButton::clicked, this, &frmSerSet::cmdSave_Click);
     QPushButton* cmdRecall =
         newButton(this, "cmdRecall", QStringLiteral("Recall Setting from EEPROM"), 3000, 3780, 2760, 375);
-    QPushButton* cmdReturn = newButton(this, "cmdReturn", QStringLiteral("Return"), 4545, 4260, 1215, 375);
-
-    connect(cmbSpinstand_, &QComboBox::activated, this, &frmSerSet::cmbSpinstand_Click);
-    connect(usrSerialNumber_, &userProperty::ChangeValue, this, &frmSerSet::usrSerialNumber_ChangeValue);
-    connect(optService_, &QRadioButton::clicked, this, [this] { optSetting_Click(true); });
-    connect(optNormal_, &QRadioButton::clicked, this, [this] { optSetting_Click(false); });
-    connect(cmdSpinstand, &QPushButton::clicked, this, [this] { view(menuWindows().spinstandSettings); });
-    connect(cmdSpindle, &QPushButton::clicked, this, [this] { view(menuWindows().spindleProperty); });
-    connect(cmdStage, &QPushButton::clicked, this, [this] { view(menuWindows().stageProperty); });
-    connect(cmdCustomize, &QPushButton::clicked, this, [this] { view(menuWindows().measurementPositions); });
-    connect(cmdBacklashComp, &QPushButton::clicked, this, &frmSerSet::cmdBacklashComp_Click);
-    connect(cmdSave, &QPushButton::clicked, this, &frmSerSet::cmdSave_Click);
     connect(cmdRecall, &QPushButton::clicked, this, &frmSerSet::cmdRecall_Click);
+    QPushButton* cmdReturn = newButton(this, "cmdReturn", QStringLiteral("Return"), 4545, 4260, 1215, 375);
     connect(cmdReturn, &QPushButton::clicked, this, &Form::accept);
 
     Form_Load();
