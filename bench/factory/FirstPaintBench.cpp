@@ -96,13 +96,3 @@ BENCHMARK_TEMPLATE(BM_FirstPaint, vss::frmFacSpinstandStage)->UseManualTime()->U
 BENCHMARK_TEMPLATE(BM_FirstPaint, vss::frmBacklashCompen)->UseManualTime()->Unit(benchmark::kMillisecond);
 
 } // namespace
-
-int main(int argc, char** argv) {
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-    QApplication app(argc, argv);
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
-}

@@ -21,7 +21,7 @@
 namespace vss {
 namespace {
 
-using WindowHarness = testing::SessionHarness;
+using testing::WindowHarness;
 
 // A window with a frame of its own controls, and a counter of how often its extended enableAllControls ran.
 class SampleWindow : public Form {
