@@ -1,7 +1,9 @@
 #pragma once
 
-// Number formatting shared by the value fields, the reports and the setting files: a double written with a
-// fixed number of significant digits in engineering notation (the exponent a multiple of 3).
+// Engineering notation: a double written with a fixed number of significant digits and an exponent that is a
+// multiple of 3. The value fields show their doubles this way (through FieldText.h), and so do the piezo
+// service window's tables of calibration and control data. The setting files write their numbers otherwise
+// (storage/NumberText.h).
 
 #include <cstdint>
 #include <string>

@@ -1,8 +1,10 @@
 #pragma once
 
 // The instrument driver contract: twelve interfaces of one driver object. Operation names, argument order and
-// types follow the driver's binary contract; `kOperations` lists each interface's operations in slot order
-// (slots 0-2 are IUnknown's), which the COM client and server use to place every call in the function table.
+// types follow the driver's binary contract; `kOperations` lists each interface's operations with their slots
+// in the function table, in slot order (slots 0-2 are IUnknown's). The COM path's raw interfaces put every
+// operation at that slot, and the slot tests hold them to this list; the simulator takes from it the operation
+// names that injected failures and scenarios use.
 //
 // Units at this boundary: lengths in metres, skew in degrees, speeds in rpm (32-bit). Every failing operation
 // throws DriverError with the driver's description.

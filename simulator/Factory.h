@@ -1,8 +1,10 @@
 #pragma once
 
-// Creating the driver object by its ProgID. On a platform with registered drivers (COM on Windows) the ProgID
-// resolves to the registered driver, and a ProgID that is not registered is an error. On a platform without
-// them, and whenever the user forces it, "Vlkd2208.CoDriver" resolves to the simulated instrument.
+// Creating the driver object by its ProgID. Once a program has set the platform's resolver (on Windows,
+// vsstool and vsstool-config call setPlatformResolver(com::ComDriverObject::create)), the ProgID resolves
+// through it to the registered driver, and a ProgID that is not registered is an error. Without a resolver
+// (Linux), and whenever the user forces it (--simulate), "Vlkd2208.CoDriver" resolves to the simulated
+// instrument.
 
 #include "driver/Interfaces.h"
 #include "driver/ProgId.h"

@@ -1,9 +1,10 @@
 #pragma once
 
-// The simulated instrument: the tool's embedded default wherever the real driver is absent, what operators train
-// on and what every test runs against. One SimInstrument is one physical instrument; driver objects created on it
-// are sessions of the tool. Its non-volatile memory persists in a human-readable text file, and its working values
-// persist beside it from one program to the next until a power cycle (SimOptions::powerCycle).
+// The simulated instrument: what the tool runs on where the platform has no drivers (Linux) or when asked to
+// (--simulate), what operators train on and what every test runs against. One SimInstrument is one physical
+// instrument; driver objects created on it are sessions of the tool. Its non-volatile memory persists in a
+// human-readable text file, and its working values persist beside it from one program to the next until a power
+// cycle (SimOptions::powerCycle).
 
 #include "driver/Interfaces.h"
 #include "driver/Trace.h"

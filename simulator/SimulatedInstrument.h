@@ -1,7 +1,8 @@
 #pragma once
 
-// The simulated instrument behind the driver objects the factory makes, for the instrument's own front panel:
-// the panel plays the instrument's side and so reaches the instrument directly, never through the driver.
+// The simulated instrument behind the driver objects that createDriverObject makes, for the instrument's own
+// front panel (frontpanel/) and the screenshot mode: the panel plays the instrument's side and so reaches the
+// instrument directly, never through the driver.
 
 #include "simulator/Factory.h"
 #include "simulator/SimInstrument.h"
