@@ -1,11 +1,13 @@
 #include "app/CommandLine.h"
 
-#include "driver/Trace.h"
+#include "simulator/SimOptions.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
 #include <cstdio>
 #include <exception>
+#include <utility>
+#include <vector>
 
 namespace vss {
 namespace {
@@ -24,28 +26,15 @@ std::variant<CommandLine, int> parseCommandLine(const QStringList& arguments) {
         QStringLiteral("The operator, factory and service tool of the Velkor spinstand."));
     const QCommandLineOption help = parser.addHelpOption();
     const QCommandLineOption version = parser.addVersionOption();
-    const QCommandLineOption simulate(
-        QStringLiteral("simulate"),
-        QStringLiteral("Use the simulated instrument even where a driver is registered."));
-    const QCommandLineOption simState(QStringLiteral("sim-state"),
-                                      QStringLiteral("The simulated instrument's non-volatile memory file."),
-                                      QStringLiteral("FILE"));
-    const QCommandLineOption powerCycle(
-        QStringLiteral("power-cycle"),
-        QStringLiteral("Start the simulated instrument as after switching it off and on: its working values "
-                       "from its non-volatile memory."));
-    const QCommandLineOption simDelays(QStringLiteral("sim-delays"),
-                                       QStringLiteral("Give the simulated instrument realistic timing."));
-    const QCommandLineOption simScenario(
-        QStringLiteral("sim-scenario"),
-        QStringLiteral("Play the timed steps of the scenario FILE on the simulated instrument."),
-        QStringLiteral("FILE"));
-    const QCommandLineOption oneBasedLists(
-        QStringLiteral("sim-one-based-lists"),
-        QStringLiteral("Number the simulated instrument's lists from 1, as some drivers do."));
-    const QCommandLineOption trace(QStringLiteral("trace"),
-                                   QStringLiteral("Write every driver call to FILE, one line each."),
-                                   QStringLiteral("FILE"));
+    // The simulated instrument's options and the trace, then the program's own.
+    std::vector<std::pair<const SimOption*, QCommandLineOption>> simulator;
+    for (const SimOption* option : simOptions(Program::Vsstool)) {
+        QCommandLineOption qtOption(QString::fromUtf8(option->name),
+                                    QString::fromUtf8(option->in(Program::Vsstool).help),
+                                    QString::fromUtf8(option->valueName));
+        parser.addOption(qtOption);
+        simulator.emplace_back(option, std::move(qtOption));
+    }
     const QCommandLineOption catalogue(
         QStringLiteral("catalogue"),
         QStringLiteral("Read the spinstand catalogue from FILE instead of VssTool.ini beside the program."),
@@ -54,8 +43,7 @@ std::variant<CommandLine, int> parseCommandLine(const QStringList& arguments) {
         QStringLiteral("screenshots"),
         QStringLiteral("Render every window on the simulated instrument to a PNG file in DIR, then exit."),
         QStringLiteral("DIR"));
-    parser.addOptions(
-        {simulate, simState, powerCycle, simDelays, simScenario, oneBasedLists, trace, catalogue, screenshots});
+    parser.addOptions({catalogue, screenshots});
 
     const QString usage = parser.helpText();
     if (!parser.parse(arguments)) {
@@ -79,20 +67,17 @@ std::variant<CommandLine, int> parseCommandLine(const QStringList& arguments) {
     }
 
     CommandLine line;
-    line.driver.forceSimulator = parser.isSet(simulate);
-    line.driver.simStatePath = parser.value(simState).toStdString();
-    line.driver.simDelays = parser.isSet(simDelays);
-    line.driver.simPowerCycle = parser.isSet(powerCycle);
-    line.driver.simScenario = parser.value(simScenario).toStdString();
-    line.driver.simOneBasedLists = parser.isSet(oneBasedLists);
     line.catalogueFile = parser.value(catalogue);
     line.screenshotDir = parser.value(screenshots);
-    if (parser.isSet(trace)) {
+    for (const auto& [option, qtOption] : simulator) {
+        if (!parser.isSet(qtOption))
+            continue;
+        const QString value = parser.value(qtOption);
         try {
-            line.driver.trace = std::make_shared<TraceFile>(parser.value(trace).toStdString());
+            option->apply(line.driver, value.toStdString());
         } catch (const std::exception& e) {
-            print(stderr, QStringLiteral("--trace %1: %2\n")
-                              .arg(parser.value(trace), QString::fromUtf8(e.what())));
+            print(stderr, QStringLiteral("--%1 %2: %3\n")
+                              .arg(QString::fromUtf8(option->name), value, QString::fromUtf8(e.what())));
             return 1;
         }
     }

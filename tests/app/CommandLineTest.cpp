@@ -1,10 +1,12 @@
-// The program as users start it: options, errors, and the screenshot mode with a trace.
+// The programs as users start them: options, errors, the trace, and the screenshot mode.
 
 #include <QDir>
 #include <QFile>
 #include <QProcess>
+#include <QRegularExpression>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
+#include <utility>
 
 namespace {
 
@@ -14,16 +16,39 @@ struct Outcome {
     QString err;
 };
 
-Outcome vsstool(const QStringList& arguments) {
+Outcome start(const QString& program, const QStringList& arguments) {
     QProcess process;
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
     env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
     process.setProcessEnvironment(env);
-    process.start(QStringLiteral(VSSTOOL_PATH), arguments);
-    EXPECT_TRUE(process.waitForFinished(60000)) << "vsstool did not finish";
+    process.start(program, arguments);
+    EXPECT_TRUE(process.waitForFinished(60000)) << program.toStdString() << " did not finish";
     return {process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1,
             QString::fromLocal8Bit(process.readAllStandardOutput()),
             QString::fromLocal8Bit(process.readAllStandardError())};
+}
+
+Outcome vsstool(const QStringList& arguments) {
+    return start(QStringLiteral(VSSTOOL_PATH), arguments);
+}
+
+Outcome vsstoolConfig(const QStringList& arguments) {
+    return start(QStringLiteral(VSSTOOL_CONFIG_PATH), arguments);
+}
+
+// Every long option a help text lists, with a value where it names one ("--trace <FILE>", "--trace FILE").
+QStringList everyListedOption(const QString& help) {
+    QStringList arguments;
+    QRegularExpressionMatchIterator it =
+        QRegularExpression(QStringLiteral("(?m)^  (?:-[a-z], )?(--[a-z][a-z-]*)( <?[A-Z]+>?)?"))
+            .globalMatch(help);
+    while (it.hasNext()) {
+        const QRegularExpressionMatch option = it.next();
+        arguments << option.captured(1);
+        if (option.hasCaptured(2))
+            arguments << QStringLiteral("/proc/no/such/file");
+    }
+    return arguments;
 }
 
 TEST(CommandLine, UnknownOptionsAndArgumentsGiveTheErrorTheUsageAndExitCode2) {
@@ -54,6 +79,47 @@ TEST(CommandLine, HelpAndVersionPrintAndSucceed) {
     const Outcome version = vsstool({QStringLiteral("--version")});
     EXPECT_EQ(version.exitCode, 0);
     EXPECT_TRUE(version.out.startsWith(QStringLiteral("vsstool "))) << version.out.toStdString();
+}
+
+// The simulated instrument's options are described once for both programs; each program's parser must take
+// every option its help lists. The values are never opened: --help answers before any option is applied.
+TEST(CommandLine, EachProgramTakesEveryOptionItsHelpLists) {
+    for (const auto& [name, run] :
+         {std::pair{"vsstool", &vsstool}, std::pair{"vsstool-config", &vsstoolConfig}}) {
+        const QStringList options = everyListedOption(run({QStringLiteral("--help")}).out);
+        for (const char* shared : {"--simulate", "--sim-state", "--power-cycle", "--sim-scenario",
+                                   "--sim-one-based-lists", "--trace"})
+            EXPECT_TRUE(options.contains(QLatin1String(shared))) << name << " " << shared;
+        const Outcome all = run(options + QStringList{QStringLiteral("--help")});
+        EXPECT_EQ(all.exitCode, 0) << name << ": " << options.join(QLatin1Char(' ')).toStdString() << "\n"
+                                   << all.err.toStdString();
+    }
+}
+
+// vsstool-config opens the trace as its session starts: a file that cannot be opened is an error of the
+// session (exit code 2), and of a trace given twice only the later one is opened.
+TEST(CommandLine, VsstoolConfigOpensTheLastTraceGivenAsTheSessionStarts) {
+    QTemporaryDir dir;
+    ASSERT_TRUE(dir.isValid());
+    const QStringList session{QStringLiteral("--simulate"), QStringLiteral("--sim-state"),
+                              dir.filePath(QStringLiteral("memory.txt"))};
+    const QString trace = dir.filePath(QStringLiteral("calls.txt"));
+    const QString unwritable = dir.filePath(QStringLiteral("no/such/dir/t.txt"));
+
+    const Outcome refused =
+        vsstoolConfig(session + QStringList{QStringLiteral("--trace"), unwritable, QStringLiteral("models")});
+    EXPECT_EQ(refused.exitCode, 2);
+    EXPECT_TRUE(refused.err.startsWith(QStringLiteral("error: ")) && refused.err.contains(unwritable))
+        << refused.err.toStdString();
+    EXPECT_EQ(refused.out, QString());
+
+    const Outcome later =
+        vsstoolConfig(session + QStringList{QStringLiteral("--trace"), unwritable, QStringLiteral("--trace"),
+                                            trace, QStringLiteral("models")});
+    EXPECT_EQ(later.exitCode, 0) << later.err.toStdString();
+    QFile file(trace);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_TRUE(file.readAll().contains("IDriver.Open("));
 }
 
 TEST(CommandLine, ScreenshotsRenderEveryShellWindowAndTheTraceRecordsTheSession) {

@@ -40,6 +40,45 @@ std::string checkGroup(const VerbDef& verb, const std::string& group) {
     return {};
 }
 
+// The usage text before and after the options of the simulated instrument and the trace, whose lines come
+// from their shared description.
+constexpr std::string_view kUsageHead =
+    "usage: vsstool-config [options] action...\n"
+    "Backs up and restores the settings of one instrument. The actions run in order in one session.\n"
+    "\n"
+    "actions:\n"
+    "  export GROUP FILE   append GROUP as a report to FILE\n"
+    "  import GROUP FILE   apply the sections of FILE that GROUP takes\n"
+    "  backup FILE         append every group to FILE as one report\n"
+    "  restore FILE        apply every importable group of FILE; checks the values and shows the\n"
+    "                      changes, asks, backs up the instrument beside FILE, then writes ranges\n"
+    "                      and limits before the values they bound; a declined or failed restore\n"
+    "                      ends the run\n"
+    "  diff FILE           show each value of FILE that differs from the instrument; changes nothing\n"
+    "  save GROUP|all      store the group in the instrument's non-volatile memory (all: every group\n"
+    "                      and the version data)\n"
+    "  recall GROUP|all    reload the group from the instrument's non-volatile memory\n"
+    "  models              list the spinstand catalogue's models with their index\n"
+    "  apply-model MODEL   write the catalogue model MODEL (its name or index) to the instrument's\n"
+    "                      working settings; follow with \"save all\" to keep it\n"
+    "\n"
+    "groups: setting, customer, stage-config, spinstand, spindle, stage, piezo, piezo-control,\n"
+    "        piezo-adjust, backlash, piezo-info (export only)\n"
+    "\n"
+    "options:\n";
+
+constexpr std::string_view kUsageTail =
+    "  --catalogue FILE    the spinstand catalogue (default: VssTool.ini beside the program)\n"
+    "  --quiet             print only errors, warnings and differences\n"
+    "  --yes               restore without asking\n"
+    "  --help              show this text\n"
+    "\n"
+    "exit status: 0 no message, 1 messages were raised, a value differed in a diff, or a restore was\n"
+    "             declined or failed,\n"
+    "             2 usage error, a file that could not be opened or written, or an instrument session\n"
+    "             that could not start (such as a damaged memory file of the simulated instrument)\n"
+    "(a warning, such as a file that holds no section of the group, leaves the status as it is)\n";
+
 } // namespace
 
 ParseResult parseCommandLine(const std::vector<std::string>& args) {
@@ -52,19 +91,13 @@ ParseResult parseCommandLine(const std::vector<std::string>& args) {
             into = args[++i];
             return true;
         };
-        if (arg == "--simulate") {
-            line.simulate = true;
-        } else if (arg == "--power-cycle") {
-            line.powerCycle = true;
-        } else if (arg == "--sim-one-based-lists") {
-            line.oneBasedLists = true;
-        } else if (arg == "--sim-state" || arg == "--sim-scenario" || arg == "--trace" ||
-                   arg == "--catalogue") {
-            std::string& file = arg == "--trace"          ? line.trace
-                                : arg == "--catalogue"    ? line.catalogue
-                                : arg == "--sim-scenario" ? line.simScenario
-                                                          : line.simState;
-            if (!value(file))
+        if (const SimOption* option = findSimOption(Program::VsstoolConfig, arg)) {
+            std::string file;
+            if (option->takesValue() && !value(file))
+                return {std::nullopt, arg + " needs a file name"};
+            line.simulator.set(*option, std::move(file));
+        } else if (arg == "--catalogue") {
+            if (!value(line.catalogue))
                 return {std::nullopt, arg + " needs a file name"};
         } else if (arg == "--quiet") {
             line.quiet = true;
@@ -101,48 +134,9 @@ ParseResult parseCommandLine(const std::vector<std::string>& args) {
 }
 
 std::string_view usageText() {
-    return "usage: vsstool-config [options] action...\n"
-           "Backs up and restores the settings of one instrument. The actions run in order in one session.\n"
-           "\n"
-           "actions:\n"
-           "  export GROUP FILE   append GROUP as a report to FILE\n"
-           "  import GROUP FILE   apply the sections of FILE that GROUP takes\n"
-           "  backup FILE         append every group to FILE as one report\n"
-           "  restore FILE        apply every importable group of FILE; checks the values and shows the\n"
-           "                      changes, asks, backs up the instrument beside FILE, then writes ranges\n"
-           "                      and limits before the values they bound; a declined or failed restore\n"
-           "                      ends the run\n"
-           "  diff FILE           show each value of FILE that differs from the instrument; changes nothing\n"
-           "  save GROUP|all      store the group in the instrument's non-volatile memory (all: every group\n"
-           "                      and the version data)\n"
-           "  recall GROUP|all    reload the group from the instrument's non-volatile memory\n"
-           "  models              list the spinstand catalogue's models with their index\n"
-           "  apply-model MODEL   write the catalogue model MODEL (its name or index) to the instrument's\n"
-           "                      working settings; follow with \"save all\" to keep it\n"
-           "\n"
-           "groups: setting, customer, stage-config, spinstand, spindle, stage, piezo, piezo-control,\n"
-           "        piezo-adjust, backlash, piezo-info (export only)\n"
-           "\n"
-           "options:\n"
-           "  --simulate          use the simulated instrument even where the driver is installed\n"
-           "  --sim-state FILE    the simulated instrument's non-volatile memory file\n"
-           "  --sim-scenario FILE\n"
-           "                      the simulated instrument's timed inputs and faults\n"
-           "  --power-cycle       start the simulated instrument as after switching it off and on: its working\n"
-           "                      values from its non-volatile memory\n"
-           "  --sim-one-based-lists\n"
-           "                      number the simulated instrument's lists from 1, as some drivers do\n"
-           "  --trace FILE        append every driver call to FILE\n"
-           "  --catalogue FILE    the spinstand catalogue (default: VssTool.ini beside the program)\n"
-           "  --quiet             print only errors, warnings and differences\n"
-           "  --yes               restore without asking\n"
-           "  --help              show this text\n"
-           "\n"
-           "exit status: 0 no message, 1 messages were raised, a value differed in a diff, or a restore was\n"
-           "             declined or failed,\n"
-           "             2 usage error, a file that could not be opened or written, or an instrument session\n"
-           "             that could not start (such as a damaged memory file of the simulated instrument)\n"
-           "(a warning, such as a file that holds no section of the group, leaves the status as it is)\n";
+    static const std::string text =
+        std::string(kUsageHead) + simOptionsUsage(Program::VsstoolConfig) + std::string(kUsageTail);
+    return text;
 }
 
 } // namespace vss::config

@@ -2,6 +2,8 @@
 
 // The command line of vsstool-config: options, then actions that run in order in one instrument session.
 
+#include "simulator/SimOptions.h"
+
 #include <optional>
 #include <string>
 #include <string_view>
@@ -19,13 +21,8 @@ struct Action {
 };
 
 struct CommandLine {
-    bool simulate = false;
-    bool powerCycle = false; // the simulated instrument starts from its non-volatile memory
-    bool oneBasedLists = false; // the simulated instrument numbers its lists from 1
-    std::string simState;
-    std::string simScenario; // timed inputs and faults for the simulated instrument
-    std::string trace;
-    std::string catalogue; // the spinstand catalogue; empty: "VssTool.ini" beside the program
+    SimArguments simulator; // the simulated instrument's options and the trace, applied as the session starts
+    std::string catalogue;  // the spinstand catalogue; empty: "VssTool.ini" beside the program
     bool quiet = false;
     bool yes = false;
     bool help = false;

@@ -1,7 +1,7 @@
 #include "tools/vsstool-config/ConfigTool.h"
 
-#include "simulator/Factory.h"
 #include "driver/FileName.h"
+#include "simulator/Factory.h"
 #include "storage/SettingDiff.h"
 #include "storage/modConfigFile.h"
 #include "storage/modSsDefine.h"
@@ -163,8 +163,8 @@ private:
             out_ << text << '\n';
     }
 
-    // Every importable group's differences, each item once. Nothing when the file cannot be opened (said on the
-    // error stream) or holds no setting section at all.
+    // Every importable group's differences, each item once. Nothing when the file cannot be opened (said on
+    // the error stream) or holds no setting section at all.
     std::optional<std::vector<SettingDifference>> differences(const std::string& file, MessageSink& sink) {
         const int fileFailures = sink_.fileFailures();
         std::vector<SettingDifference> all;
@@ -193,8 +193,8 @@ private:
             note("no value differs");
     }
 
-    // Shows the changes, checks the file's values, asks, backs the instrument up beside the file and writes the
-    // groups in the restore order. Anything short of a complete restore ends the run by throwing.
+    // Shows the changes, checks the file's values, asks, backs the instrument up beside the file and writes
+    // the groups in the restore order. Anything short of a complete restore ends the run by throwing.
     void restore(const std::string& file) {
         const int messages = sink_.messages();
         const int fileFailures = sink_.fileFailures();
@@ -239,8 +239,9 @@ private:
         const int fileFailures = sink_.fileFailures();
         exportAllGroups(backup, h_, sink_);
         if (sink_.fileFailures() > fileFailures)
-            throw std::runtime_error("the restore of " + file + " stopped before writing anything: the backup " +
-                                     backup + " could not be written");
+            throw std::runtime_error("the restore of " + file +
+                                     " stopped before writing anything: the backup " + backup +
+                                     " could not be written");
         out_ << "backup of the values before the restore: " << backup << '\n';
         return backup;
     }
@@ -263,7 +264,8 @@ private:
                     "the restore of " + file + " stopped in the group " + std::string(name) + ": " + refusal +
                     " Applied before it: " + joined(applied) + "; the group " + std::string(name) +
                     " may be applied in part. To go back, restore the backup with the same options: "
-                    "vsstool-config restore " + backup);
+                    "vsstool-config restore " +
+                    backup);
             applied.emplace_back(name);
         }
     }
@@ -350,28 +352,26 @@ void ConsoleSink::error(std::string_view text) {
     err_ << "error: " << text << '\n';
 }
 
-void ConsoleSink::warning(std::string_view text) { err_ << "warning: " << text << '\n'; }
+void ConsoleSink::warning(std::string_view text) {
+    err_ << "warning: " << text << '\n';
+}
 
-void ConsoleSink::note(std::string_view text) { err_ << "note: " << text << '\n'; }
+void ConsoleSink::note(std::string_view text) {
+    err_ << "note: " << text << '\n';
+}
 
 int runTool(const CommandLine& line, std::istream& in, std::ostream& out, std::ostream& err,
             bool driverInstalled) {
     ConsoleSink sink(err);
     DriverOptions options;
-    options.forceSimulator = line.simulate;
-    options.simStatePath = line.simState;
-    options.simScenario = line.simScenario;
-    options.simPowerCycle = line.powerCycle;
-    options.simOneBasedLists = line.oneBasedLists;
     try {
-        if (!line.trace.empty())
-            options.trace = std::make_shared<TraceFile>(line.trace);
+        line.simulator.applyTo(options); // opens the trace file
     } catch (const std::exception& e) {
         sink.error(e.what());
         return 2;
     }
 
-    if (!line.simulate && !driverInstalled)
+    if (!options.forceSimulator && !driverInstalled)
         sink.note("no instrument driver is installed here: using the simulated instrument");
     // An instrument that cannot be reached runs no action: like a file that cannot be opened, exit status 2
     // (the simulated instrument refuses to start on a damaged memory file).
