@@ -110,7 +110,7 @@ void frmOpen::cmdInitialize_Click() {
 }
 
 void frmOpen::onUnload() {
-    disableAllControls();
+    DisableAllControls();
     trapErrors([] { handles().driver->Close(); });
 }
 

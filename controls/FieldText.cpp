@@ -8,7 +8,7 @@
 
 namespace vss {
 
-std::string formatValueText(const Variant& value, double dblScale, std::int16_t digits) {
+std::string FormatValueText(const Variant& value, double dblScale, std::int16_t digits) {
     switch (value.type()) {
     case Variant::Type::Int16:
         return std::to_string(value.int16());

@@ -15,7 +15,7 @@ namespace vss {
 // The shown text of a field value:
 //   Null -> "", Int16/Int32 -> plain decimal, Double -> FormatEngNumber(value / dblScale, digits),
 //   Text -> the text itself, Bool -> "True"/"False", Empty -> "".
-std::string formatValueText(const Variant& value, double dblScale, std::int16_t digits);
+std::string FormatValueText(const Variant& value, double dblScale, std::int16_t digits);
 
 // Integers and doubles are right-aligned in their box, everything else left-aligned.
 bool isRightAligned(Variant::Type type);

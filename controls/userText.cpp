@@ -24,7 +24,7 @@ userText::userText(QWidget* parent) : QWidget(parent), txt_(new QLineEdit(this))
 void userText::setValue(const Variant& value) {
     if (value.equals(value_))
         return;
-    txt_->setText(QString::fromStdString(formatValueText(value, dblScale_, digitNum_)));
+    txt_->setText(QString::fromStdString(FormatValueText(value, dblScale_, digitNum_)));
     txt_->setAlignment((isRightAligned(value.type()) ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignVCenter);
     value_ = value;
 }
@@ -71,10 +71,10 @@ void userText::setCaptionName(const QString& caption) {
 }
 
 bool userText::eventFilter(QObject* watched, QEvent* event) {
-    // Leaving the field commits when the user leaves it. Not when the focus only went to the box's own context
-    // menu or to another window (the field still has the focus within its window then and commits when it
-    // really loses it), and not when the program took the focus away by disabling or hiding the box, as a
-    // window does when it turns busy or closes.
+    // Leaving the field commits when the user leaves it. Not when the focus only went to the box's own
+    // context menu or to another window (the field still has the focus within its window then and commits
+    // when it really loses it), and not when the program took the focus away by disabling or hiding the box,
+    // as a window does when it turns busy or closes.
     if (watched == txt_ && event->type() == QEvent::FocusOut) {
         const Qt::FocusReason reason = static_cast<QFocusEvent*>(event)->reason();
         if (reason != Qt::PopupFocusReason && reason != Qt::ActiveWindowFocusReason && txt_->isEnabled() &&

@@ -115,8 +115,8 @@ frmFacSpinstand::frmFacSpinstand(QWidget* parent, bool viewOnly)
 }
 
 // Every control is enabled again, the group buttons included; only "Unknown Setting" follows ViewOnly.
-void frmFacSpinstand::enableAllControls() {
-    SettingsPage::enableAllControls();
+void frmFacSpinstand::EnableAllControls() {
+    SettingsPage::EnableAllControls();
     chkSettingUnknown_->setEnabled(!ViewOnly());
 }
 

@@ -20,7 +20,7 @@ public:
     frmFacSpinstand(QWidget* parent, bool viewOnly);
 
     // The end of the busy bracket leaves "Unknown Setting" as usable as ViewOnly allows.
-    void enableAllControls() override;
+    void EnableAllControls() override;
 
 private:
     void BuildSpinstandTypeList();

@@ -1,18 +1,18 @@
 #include "kit/Form.h"
 
-#include "kit/Messages.h"
-#include "kit/modGlobal.h"
 #include "controls/Twips.h"
 #include "controls/userProperty.h"
 #include "controls/userText.h"
+#include "kit/Messages.h"
+#include "kit/modGlobal.h"
 
+#include <QAbstractButton>
 #include <QApplication>
 #include <QComboBox>
 #include <QGroupBox>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QPushButton>
-#include <QAbstractButton>
 #include <algorithm>
 #include <exception>
 #include <utility>
@@ -58,8 +58,8 @@ QString captionText(const QWidget* w) {
     return {};
 }
 
-// The caption a person reads for a control: the label whose buddy it is, else the nearest label or button that
-// ends left of it on its row.
+// The caption a person reads for a control: the label whose buddy it is, else the nearest label or button
+// that ends left of it on its row.
 QString rowCaption(const QWidget* control) {
     const QWidget* parent = control->parentWidget();
     if (!parent)
@@ -144,7 +144,7 @@ void Form::showEvent(QShowEvent* event) {
     QDialog::showEvent(event);
 }
 
-void Form::disableAllControls() {
+void Form::DisableAllControls() {
     // Busy first: disabling the control that has the focus, or the frame around it, takes the focus away at
     // once, and a text box commits then.
     busy_ = true;
@@ -159,12 +159,13 @@ void Form::disableAllControls() {
 
 // The focus goes back where it was (or where the user was moving it when a field's commit made the window
 // busy), so that the user goes on typing or tabbing as if the window had not been busy.
-void Form::enableAllControls() {
+void Form::EnableAllControls() {
     for (QWidget* control : controls())
         control->setEnabled(true);
     const QPointer<QWidget> focus = std::exchange(focusBeforeBusy_, nullptr);
     endBusy();
-    if (focus && !unloaded_ && isVisible() && focus->isEnabled() && focus->isVisible() && focus->window() == this)
+    if (focus && !unloaded_ && isVisible() && focus->isEnabled() && focus->isVisible() &&
+        focus->window() == this)
         focus->setFocus(Qt::OtherFocusReason);
 }
 
@@ -184,11 +185,11 @@ bool Form::trapErrors(const std::function<void()>& steps) {
 }
 
 bool Form::runBusy(const std::function<void()>& steps) {
-    disableAllControls();
+    DisableAllControls();
     // The window repaints before the steps, and a timer may close it then (the panel's interlock poll): a
     // closed window starts nothing more.
     const bool ok = !unloaded_ && trapErrors(steps);
-    enableAllControls();
+    EnableAllControls();
     return ok;
 }
 

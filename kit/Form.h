@@ -41,14 +41,14 @@ public:
     // time the window is shown; a window that builds controls later calls it again.
     void nameControls();
 
-    // The busy bracket. disableAllControls makes the window busy and shows the wait cursor, disables every
+    // The busy bracket. DisableAllControls makes the window busy and shows the wait cursor, disables every
     // control in order and lets the window repaint once before the blocking work that follows;
-    // enableAllControls enables every control again and ends the busy state. A window may extend
-    // enableAllControls (the operation panel refreshes its status after it); it calls this base first.
-    void disableAllControls();
-    virtual void enableAllControls();
-    // Busy from the first step of disableAllControls (what a control commits as it loses the focus to the
-    // disabling already sees it) until enableAllControls or the window's unload.
+    // EnableAllControls enables every control again and ends the busy state. A window may extend
+    // EnableAllControls (the operation panel refreshes its status after it); it calls this base first.
+    void DisableAllControls();
+    virtual void EnableAllControls();
+    // Busy from the first step of DisableAllControls (what a control commits as it loses the focus to the
+    // disabling already sees it) until EnableAllControls or the window's unload.
     bool isBusy() const { return busy_; }
 
     // Runs a handler's steps inside the bracket. The first step that fails stops the rest; its description is

@@ -12,17 +12,17 @@
 namespace vss {
 namespace {
 
-// An error ends the transfer without a message of its own (a refusal of the instrument, a number too large for
-// its field): what is said about the file is said by the file reader, field by field, as it reads.
+// An error ends the transfer without a message of its own (a refusal of the instrument, a number too large
+// for its field): what is said about the file is said by the file reader, field by field, as it reads.
 bool transfer(Form& form, const std::function<void()>& steps) {
-    form.disableAllControls();
+    form.DisableAllControls();
     bool done = false;
     try {
         steps();
         done = true;
     } catch (const std::exception&) {
     }
-    form.enableAllControls();
+    form.EnableAllControls();
     return done;
 }
 

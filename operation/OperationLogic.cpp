@@ -16,12 +16,12 @@ SpindleStateTexts spindleStateTexts(std::int32_t code) {
     return {state, shown == spindlestate::Off ? "Yes" : "No"};
 }
 
-std::int16_t indexOfSpeed(std::span<const std::int32_t> list, std::int32_t speed) {
+std::int16_t IndexOfSpeed(std::span<const std::int32_t> list, std::int32_t speed) {
     const auto found = std::find_if(list.begin(), list.end(), [speed](std::int32_t v) { return v >= speed; });
     return static_cast<std::int16_t>(found - list.begin());
 }
 
-std::int32_t speedAtIndex(std::span<const std::int32_t> list, std::int16_t& index, SpeedRange range) {
+std::int32_t SpeedAtIndex(std::span<const std::int32_t> list, std::int16_t& index, SpeedRange range) {
     const auto upper = static_cast<std::int16_t>(list.size()) - 1;
     if (index > upper)
         index = static_cast<std::int16_t>(upper);
@@ -35,8 +35,8 @@ std::int32_t speedAtIndex(std::span<const std::int32_t> list, std::int16_t& inde
 
 std::int32_t stepSpeed(std::span<const std::int32_t> list, std::int32_t current, SpeedRange range,
                        int direction) {
-    auto index = static_cast<std::int16_t>(indexOfSpeed(list, current) + (direction < 0 ? -1 : 1));
-    return speedAtIndex(list, index, range);
+    auto index = static_cast<std::int16_t>(IndexOfSpeed(list, current) + (direction < 0 ? -1 : 1));
+    return SpeedAtIndex(list, index, range);
 }
 
 PositionDefaults positionDefaults(double innerRadius, double outerRadius) {

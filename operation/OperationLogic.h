@@ -32,11 +32,11 @@ inline constexpr SpeedRange kDefaultSpeedRange{4000, 8000};
 
 // The first index whose list speed is at least `speed`, or one past the last index when none is. A speed that
 // is not in the list therefore steps from the next larger entry.
-std::int16_t indexOfSpeed(std::span<const std::int32_t> list, std::int32_t speed);
+std::int16_t IndexOfSpeed(std::span<const std::int32_t> list, std::int32_t speed);
 
 // The speed for a stepped index: an index past the end is cut back to the last one (and the caller's index
 // with it); an index before the start gives 0; the result is then brought into the range.
-std::int32_t speedAtIndex(std::span<const std::int32_t> list, std::int16_t& index, SpeedRange range);
+std::int32_t SpeedAtIndex(std::span<const std::int32_t> list, std::int16_t& index, SpeedRange range);
 
 // The spindle speed stepping: the next speed down (direction < 0) or up from `current` in the list, within
 // the range.

@@ -63,7 +63,7 @@ frmIni::frmIni(QWidget* parent) : PollingForm(parent) {
         cmbStateAtHome_->addItem(QString::fromLatin1(name), code);
     cmbStateAtHome_->setCurrentIndex(-1); // until the instrument's code selects an entry
     refreshAll();
-    initPositionDefaults();
+    InitPositionDefaults();
     startPolling();
 }
 
@@ -211,15 +211,15 @@ void frmIni::mousePressEvent(QMouseEvent* event) {
     Form::mousePressEvent(event);
 }
 
-void frmIni::enableAllControls() {
-    Form::enableAllControls();
+void frmIni::EnableAllControls() {
+    Form::EnableAllControls();
     if (!isUnloaded()) // a command that the interlock cut short reads nothing more
         trapErrors([this] { refreshStatus(); });
 }
 
 // The timer has stopped already: the polling window stops it before the unload handler runs.
 void frmIni::onUnload() {
-    disableAllControls();
+    DisableAllControls();
 }
 
 // ---------------------------------------------------------------------------------------------------------------
@@ -234,10 +234,10 @@ void frmIni::onPoll() {
         accept();
         return;
     }
-    pollInputs();
+    PollInputs();
 }
 
-void frmIni::pollInputs() {
+void frmIni::PollInputs() {
     const bool interlock = readOr([] { return handles().interlock->GetInterlock(); }, false);
     usrInterlock_->setValue(Variant(interlock ? "FAIL" : "OK"));
     const bool emergency = readOr([] { return handles().service->GetEmergency(); }, false);
@@ -252,23 +252,23 @@ void frmIni::pollInputs() {
 void frmIni::refreshAll() {
     refreshStatus();
     refreshPosition();
-    refreshStateAtHome();
-    refreshSpeed();
+    RefreshStateAtHome();
+    RefreshSpeed();
     refreshSpeedRange();
-    refreshLoadPositions();
+    RefreshLoadPositions();
 }
 
 void frmIni::refreshStatus() {
-    refreshState();
+    RefreshState();
     refreshPosition();
-    refreshSpindleState();
-    refreshStateAtHome();
-    refreshHeadLoader();
-    refreshMotor();
-    refreshClamp();
+    RefreshSpindleState();
+    RefreshStateAtHome();
+    RefreshHeadLoader();
+    RefreshMotor();
+    RefreshClamp();
 }
 
-void frmIni::refreshState() {
+void frmIni::RefreshState() {
     const std::int32_t code = handles().driver->GetState();
     showText(txtState_, text(operation::stateText(code)));
     for (QPushButton* button : positionButtons_)
@@ -282,7 +282,7 @@ void frmIni::refreshPosition() {
     usrSkew_->setValue(at.skew);
 }
 
-void frmIni::refreshSpindleState() {
+void frmIni::RefreshSpindleState() {
     // A spindle state that cannot be read shows as an undefined one: both texts empty.
     const std::optional<std::int32_t> code =
         readOr([] { return std::optional<std::int32_t>(handles().service->GetSpindleState()); },
@@ -293,27 +293,27 @@ void frmIni::refreshSpindleState() {
     showText(txtMediaChange_, text(texts.mediaChange));
 }
 
-void frmIni::refreshStateAtHome() {
+void frmIni::RefreshStateAtHome() {
     // A code that matches no entry shows no selection.
     cmbStateAtHome_->setCurrentIndex(cmbStateAtHome_->findData(handles().driver->GetHomeState()));
 }
 
-void frmIni::refreshHeadLoader() {
+void frmIni::RefreshHeadLoader() {
     const bool loaded = !handles().headLoader || handles().headLoader->GetHeadLoader();
     showText(txtHeadLoader_, loaded ? QStringLiteral("Load") : QStringLiteral("Unload"));
 }
 
-void frmIni::refreshMotor() {
+void frmIni::RefreshMotor() {
     showText(txtMotor_,
              handles().spindle->GetMotor() ? QStringLiteral("Motor On") : QStringLiteral("Motor Off"));
 }
 
-void frmIni::refreshClamp() {
+void frmIni::RefreshClamp() {
     showText(txtClamp_,
              handles().clamp->GetClamp() ? QStringLiteral("Clamp On") : QStringLiteral("Clamp Off"));
 }
 
-void frmIni::refreshSpeed() {
+void frmIni::RefreshSpeed() {
     usrRpm_->setValue(handles().driver->GetSpindleSpeed());
 }
 
@@ -323,7 +323,7 @@ void frmIni::refreshSpeedRange() {
     usrRpmMax_->setValue(range.max);
 }
 
-void frmIni::refreshLoadPositions() {
+void frmIni::RefreshLoadPositions() {
     IDriverLoadPosition& load = *handles().loadPosition;
     usrLoadRadius_->setValue(load.GetLoadPosition(loadposition::Load).position.radius);
     usrUnloadRadius_->setValue(load.GetLoadPosition(loadposition::Unload).position.radius);
@@ -331,7 +331,7 @@ void frmIni::refreshLoadPositions() {
     usrOuterRadius_->setValue(handles().service->GetMeasurementPosition(stopper::Outer).radius);
 }
 
-void frmIni::initPositionDefaults() {
+void frmIni::InitPositionDefaults() {
     const double inner = handles().service->GetMeasurementPosition(stopper::Inner).radius;
     const double outer = handles().service->GetMeasurementPosition(stopper::Outer).radius;
     const operation::PositionDefaults defaults = operation::positionDefaults(inner, outer);
@@ -418,7 +418,7 @@ void frmIni::usrRpm_ChangeValue() {
         !rpmTyped_) // the field gives up the focus when the panel turns busy: that commit is this one
         return;
     rpmTyped_ = false;
-    command([this] { applySpeed(usrRpm_->Value().int32()); });
+    command([this] { ApplySpeed(usrRpm_->Value().int32()); });
 }
 
 bool frmIni::eventFilter(QObject* watched, QEvent* event) {
@@ -440,20 +440,20 @@ void frmIni::updnRpm_Click(int direction) {
             readOr([] { return handles().driver->GetSpindleSpeed(); }, operation::kDefaultSpeed);
         const SpeedRange range =
             readOr([] { return handles().driver->GetSpeedRange(); }, operation::kDefaultSpeedRange);
-        applySpeed(operation::stepSpeed(globals().spindleSpeeds, current, range, direction));
+        ApplySpeed(operation::stepSpeed(globals().spindleSpeeds, current, range, direction));
     });
 }
 
-void frmIni::applySpeed(std::int32_t rpm) {
+void frmIni::ApplySpeed(std::int32_t rpm) {
     handles().driver->SetSpindleSpeed(rpm);
-    refreshSpeed();
+    RefreshSpeed();
 }
 
 void frmIni::cmdReset_Click() {
     command(
         [this] {
             handles().driver->Reset();
-            initPositionDefaults();
+            InitPositionDefaults();
         },
         [this] { refreshAll(); });
 }

@@ -2,7 +2,7 @@
 
 // The operation panel: the instrument's state, spindle, clamp, head loader, head position and inputs, and the
 // commands of an operation check. Every command runs in the busy bracket, and the panel's own
-// enableAllControls refreshes the status afterwards, so the position buttons follow the state after every
+// EnableAllControls refreshes the status afterwards, so the position buttons follow the state after every
 // command, also one that failed. A 200 ms timer watches the interlock and the inputs; an interlock closes the
 // panel, and any window opened from it, after one message. The direct spindle and head-loader controls lie
 // below the panel's normal height and are revealed by a right click with Shift and Ctrl held on the
@@ -40,7 +40,7 @@ public:
     void setDirectControlsShown(bool shown);
 
     // Runs RefreshStatus after enabling; a failing read is reported.
-    void enableAllControls() override;
+    void EnableAllControls() override;
 
     // One tick of the polling timer.
     void tmrUpdate_Timer() { pollOnce(); }
@@ -59,18 +59,18 @@ private:
 
     void refreshAll();
     void refreshStatus();
-    void refreshState();
+    void RefreshState();
     void refreshPosition();
-    void refreshSpindleState();
-    void refreshStateAtHome();
-    void refreshHeadLoader();
-    void refreshMotor();
-    void refreshClamp();
-    void refreshSpeed();
+    void RefreshSpindleState();
+    void RefreshStateAtHome();
+    void RefreshHeadLoader();
+    void RefreshMotor();
+    void RefreshClamp();
+    void RefreshSpeed();
     void refreshSpeedRange();
-    void refreshLoadPositions();
-    void initPositionDefaults();
-    void pollInputs();
+    void RefreshLoadPositions();
+    void InitPositionDefaults();
+    void PollInputs();
 
     void moveToMeasurementPosition(std::int16_t index);
     void moveToPos(int which);
@@ -82,7 +82,7 @@ private:
     void usrRpm_ChangeValue();
     void cmdReset_Click();
     void updnRpm_Click(int direction);
-    void applySpeed(std::int32_t rpm);
+    void ApplySpeed(std::int32_t rpm);
 
     std::array<double, 3> posRadius_{}; // Pos1Radius..Pos3Radius, metres
     bool rpmTyped_ = false;             // a speed was typed, or Enter pressed, since the last one sent

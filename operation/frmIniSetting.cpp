@@ -22,7 +22,7 @@ frmIniSetting::frmIniSetting(QWidget* parent) : CommandForm(parent) {
     setWindowTitle(appTitle() + QStringLiteral(" : Settings"));
     setClientSizeTwips(7560, 5835);
     build();
-    fillLoadMethodList();
+    FillLoadMethodList();
     refreshAll();
 }
 
@@ -49,19 +49,19 @@ void frmIniSetting::build() {
     QPushButton* cmdLoadPositionReset =
         newButton(frmLoadPosition, "cmdLoadPositionReset", QStringLiteral("Reset"), 2400, 2160, 1095, 315);
     connect(cmdLoadPositionReset, &QPushButton::clicked, this,
-            [this] { command([this] { refreshLoadPosition(); }); });
+            [this] { command([this] { RefreshLoadPosition(); }); });
 
     QGroupBox* frmDataArea = newFrame(this, "frmDataArea", QStringLiteral("Data Area"), 3840, 60, 3600, 2160);
     // The outer radius follows every committed edit of the data area at once, before anything is sent.
     usrInnerRadius_ = row(frmDataArea, "usrInnerRadius", 300,
                           {.caption = QStringLiteral("Inner Radius"), .unit = "mm", .scale = 0.001});
-    connect(usrInnerRadius_, &userProperty::ChangeValue, this, &frmIniSetting::updateOuterRadius);
+    connect(usrInnerRadius_, &userProperty::ChangeValue, this, &frmIniSetting::UpdateOuterRadius);
     usrMaxTrack_ =
         row(frmDataArea, "usrMaxTrack", 660, {.caption = QStringLiteral("Max Track #"), .unit = " "});
-    connect(usrMaxTrack_, &userProperty::ChangeValue, this, &frmIniSetting::updateOuterRadius);
+    connect(usrMaxTrack_, &userProperty::ChangeValue, this, &frmIniSetting::UpdateOuterRadius);
     usrPitch_ = row(frmDataArea, "usrPitch", 1020,
                     {.caption = QStringLiteral("Track Pitch"), .unit = "um", .scale = 0.000001});
-    connect(usrPitch_, &userProperty::ChangeValue, this, &frmIniSetting::updateOuterRadius);
+    connect(usrPitch_, &userProperty::ChangeValue, this, &frmIniSetting::UpdateOuterRadius);
     usrOuterRadius_ =
         row(frmDataArea, "usrOuterRadius", 1380,
             {.caption = QStringLiteral("Outer Radius"), .unit = "mm", .scale = 0.001, .locked = true});
@@ -71,7 +71,7 @@ void frmIniSetting::build() {
     QPushButton* cmdDataAreaReset =
         newButton(frmDataArea, "cmdDataAreaReset", QStringLiteral("Reset"), 2400, 1740, 1095, 315);
     connect(cmdDataAreaReset, &QPushButton::clicked, this,
-            [this] { command([this] { refreshDataArea(); }); });
+            [this] { command([this] { RefreshDataArea(); }); });
 
     QGroupBox* frmRestriction = newFrame(this, "frmDiskSizeRestriction",
                                          QStringLiteral("DiskSizeRestriction"), 3840, 2280, 3600, 640);
@@ -108,35 +108,35 @@ void frmIniSetting::build() {
     connect(cmdReturn, &QPushButton::clicked, this, &Form::accept);
 }
 
-void frmIniSetting::fillLoadMethodList() {
+void frmIniSetting::FillLoadMethodList() {
     const NamedCodes methods = handles().driver->GetLoadMethodList();
     for (std::size_t i = 0; i < methods.names.size() && i < methods.codes.size(); ++i)
         cmbLoadMethod_->addItem(QString::fromStdString(methods.names[i]), static_cast<int>(methods.codes[i]));
 }
 
 void frmIniSetting::refreshAll() {
-    refreshDataArea();
-    refreshMisc();
-    refreshLoadPosition();
-    refreshLoadMethod();
+    RefreshDataArea();
+    RefreshMisc();
+    RefreshLoadPosition();
+    RefreshLoadMethod();
 }
 
-void frmIniSetting::refreshDataArea() {
+void frmIniSetting::RefreshDataArea() {
     const DataArea area = handles().driver->GetDataArea();
     usrInnerRadius_->setValue(area.innerRadius);
     usrMaxTrack_->setValue(area.maxTrack);
     usrPitch_->setValue(area.pitch);
-    updateOuterRadius();
+    UpdateOuterRadius();
 }
 
-void frmIniSetting::updateOuterRadius() {
+void frmIniSetting::UpdateOuterRadius() {
     const double inner = usrInnerRadius_->Value().toDouble();
     const double maxTrack = usrMaxTrack_->Value().toDouble();
     const double pitch = usrPitch_->Value().toDouble();
     usrOuterRadius_->setValue(inner + maxTrack * pitch);
 }
 
-void frmIniSetting::refreshMisc() {
+void frmIniSetting::RefreshMisc() {
     const DriverHandles& h = handles();
     txtFace_->setText(h.headFace->GetFace() == 1 ? QStringLiteral("DOWN") : QStringLiteral("UP"));
     txtSpindle_->setText(h.spindle->GetRotation() == 1 ? QStringLiteral("CCW") : QStringLiteral("CW"));
@@ -148,7 +148,7 @@ void frmIniSetting::refreshMisc() {
     usrDiskSizeMax_->setValue(limit.max);
 }
 
-void frmIniSetting::refreshLoadPosition() {
+void frmIniSetting::RefreshLoadPosition() {
     IDriverLoadPosition& positions = *handles().loadPosition;
     const PositionRecord load = positions.GetLoadPosition(loadposition::Load).position;
     usrLoadRadius_->setValue(load.radius);
@@ -160,14 +160,14 @@ void frmIniSetting::refreshLoadPosition() {
     chkDiskSizeRestrictionOn_->setChecked(!handles().diskSize->GetDiskSizeRestriction());
 }
 
-void frmIniSetting::refreshLoadMethod() {
+void frmIniSetting::RefreshLoadMethod() {
     cmbLoadMethod_->setCurrentIndex(
         cmbLoadMethod_->findData(static_cast<int>(handles().driver->GetLoadMethod())));
 }
 
 void frmIniSetting::cmbLoadMethod_Click(int index) {
     const auto method = static_cast<std::int16_t>(cmbLoadMethod_->itemData(index).toInt());
-    command([method] { handles().driver->SetLoadMethod(method); }, [this] { refreshLoadMethod(); });
+    command([method] { handles().driver->SetLoadMethod(method); }, [this] { RefreshLoadMethod(); });
 }
 
 // Only the radii are sent: the skew is left to the instrument and so is the spindle speed (-1).
@@ -180,14 +180,14 @@ void frmIniSetting::cmdLoadPosition_Click() {
             positions.SetLoadPosition(loadposition::Load, {load, kNoSkew}, -1);
             positions.SetLoadPosition(loadposition::Unload, {unload, kNoSkew}, -1);
         },
-        [this] { refreshLoadPosition(); });
+        [this] { RefreshLoadPosition(); });
 }
 
 void frmIniSetting::cmdDataArea_Click() {
     const double inner = usrInnerRadius_->Value().toDouble();
     const auto maxTrack = static_cast<std::int32_t>(usrMaxTrack_->Value().toDouble());
     const double pitch = usrPitch_->Value().toDouble();
-    command([=] { handles().driver->SetDataArea(inner, maxTrack, pitch); }, [this] { refreshDataArea(); });
+    command([=] { handles().driver->SetDataArea(inner, maxTrack, pitch); }, [this] { RefreshDataArea(); });
 }
 
 // Checked means the restriction is off.

@@ -23,13 +23,13 @@ public:
 
 private:
     void build();
-    void fillLoadMethodList();
+    void FillLoadMethodList();
     void refreshAll();
-    void refreshDataArea();
-    void refreshMisc();
-    void refreshLoadPosition();
-    void refreshLoadMethod();
-    void updateOuterRadius();
+    void RefreshDataArea();
+    void RefreshMisc();
+    void RefreshLoadPosition();
+    void RefreshLoadMethod();
+    void UpdateOuterRadius();
 
     void cmbLoadMethod_Click(int index);
     void cmdLoadPosition_Click();

@@ -440,7 +440,7 @@ std::string frmSer::restoreLoadSetting(const LoadSetting& saved) {
 
 // The stage motor is left off however the panel closes; the timer has stopped already.
 void frmSer::onUnload() {
-    disableAllControls();
+    DisableAllControls();
     trapErrors([] { handles().service->SetStageMotor(0); });
 }
 

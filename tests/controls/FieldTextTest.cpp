@@ -48,8 +48,8 @@ TEST(TypedValue, NeverChangesTheTypeOfTheFieldsValue) {
 TEST(TypedValue, ReadsBackWhatItShows) {
     for (const Variant& v :
          {Variant(std::int16_t{-32768}), Variant(std::int32_t{2147483647}), Variant("a b")})
-        EXPECT_EQ(valueFromTypedText(v, vss::formatValueText(v, 1.0, 4), 1.0), v);
-    const Variant shown = valueFromTypedText(0.0, vss::formatValueText(0.0123456, 0.001, 4), 0.001);
+        EXPECT_EQ(valueFromTypedText(v, vss::FormatValueText(v, 1.0, 4), 1.0), v);
+    const Variant shown = valueFromTypedText(0.0, vss::FormatValueText(0.0123456, 0.001, 4), 0.001);
     EXPECT_NEAR(shown.dbl(), 0.01235, 1e-15);
 }
 

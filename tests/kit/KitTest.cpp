@@ -1,20 +1,20 @@
 // The busy bracket, the error trap and the two seams that every window uses.
 
+#include "driver/DriverError.h"
 #include "kit/Form.h"
 #include "kit/Messages.h"
 #include "kit/dlgConfigFile.h"
-#include "driver/DriverError.h"
 #include "tests/support/WindowHarness.h"
 
 #include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
-#include <QWheelEvent>
 #include <QGroupBox>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QTest>
 #include <QTimer>
+#include <QWheelEvent>
 #include <gtest/gtest.h>
 #include <memory>
 
@@ -23,7 +23,7 @@ namespace {
 
 using testing::WindowHarness;
 
-// A window with a frame of its own controls, and a counter of how often its extended enableAllControls ran.
+// A window with a frame of its own controls, and a counter of how often its extended EnableAllControls ran.
 class SampleWindow : public Form {
 public:
     SampleWindow() {
@@ -37,8 +37,8 @@ public:
         other = new Form(this); // another window: not one of this window's controls
         otherButton = new QPushButton(other);
     }
-    void enableAllControls() override {
-        Form::enableAllControls();
+    void EnableAllControls() override {
+        Form::EnableAllControls();
         ++refreshes;
     }
     QGroupBox* frame;
@@ -55,7 +55,7 @@ TEST(BusyBracket, DisablesEveryControlOfTheWindowIncludingFramesButNoOtherWindow
     w.show();
     EXPECT_EQ(w.controls().size(), 4) << "cmdGo, the frame, its check box, the text box";
 
-    w.disableAllControls();
+    w.DisableAllControls();
     for (QWidget* c : w.controls())
         EXPECT_FALSE(c->isEnabled()) << c->objectName().toStdString();
     EXPECT_FALSE(w.inner->isEnabledTo(w.frame)) << "the control inside the frame is disabled itself";
@@ -63,7 +63,7 @@ TEST(BusyBracket, DisablesEveryControlOfTheWindowIncludingFramesButNoOtherWindow
     EXPECT_TRUE(WindowHarness::waitCursorShown());
     EXPECT_TRUE(w.isBusy());
 
-    w.enableAllControls();
+    w.EnableAllControls();
     for (QWidget* c : w.controls())
         EXPECT_TRUE(c->isEnabled()) << c->objectName().toStdString();
     EXPECT_FALSE(WindowHarness::waitCursorShown());
@@ -88,7 +88,7 @@ TEST(BusyBracket, AFailingStepStopsTheHandlerShowsItsTextOnceAndEnablesAgain) {
     EXPECT_EQ(harness.messages()[0].title, "Velkor Spinstand Tool");
     EXPECT_FALSE(harness.messages()[0].waitCursor) << "the user answers the message with the normal cursor";
     EXPECT_TRUE(w.text->isEnabled());
-    EXPECT_EQ(w.refreshes, 1) << "the window's own enableAllControls runs after a failure too";
+    EXPECT_EQ(w.refreshes, 1) << "the window's own EnableAllControls runs after a failure too";
     EXPECT_FALSE(WindowHarness::waitCursorShown());
 
     EXPECT_TRUE(w.runBusy([] {}));
@@ -99,8 +99,8 @@ TEST(BusyBracket, ClosingABusyWindowTakesItsWaitCursorAway) {
     WindowHarness harness;
     auto w = std::make_unique<SampleWindow>();
     w->show();
-    w->disableAllControls();
-    w->disableAllControls();
+    w->DisableAllControls();
+    w->DisableAllControls();
     w->accept();
     EXPECT_FALSE(WindowHarness::waitCursorShown());
 }
@@ -221,10 +221,10 @@ TEST(BusyBracket, AWindowClosedWhileItsWaitCursorIsLiftedLeavesNoCursorBehind) {
         SampleWindow w;
         w.show();
         harness.whenActive<ChildWindow>([](ChildWindow& child) { child.close(); });
-        w.disableAllControls();
+        w.DisableAllControls();
         Form::execModal(*std::make_unique<ChildWindow>(&w));
         EXPECT_TRUE(WindowHarness::waitCursorShown());
-        w.enableAllControls();
+        w.EnableAllControls();
         EXPECT_EQ(QApplication::overrideCursor(), nullptr);
     }
 }

@@ -50,12 +50,12 @@ TEST(SpeedStepping, EndsOfTheListAreLimitedByTheRange) {
 }
 
 TEST(SpeedStepping, AnIndexPastTheEndIsCutBackForTheCaller) {
-    std::int16_t index = indexOfSpeed(kSpeeds, 16000);
+    std::int16_t index = IndexOfSpeed(kSpeeds, 16000);
     EXPECT_EQ(index, 7);
-    EXPECT_EQ(speedAtIndex(kSpeeds, index, kWide), 15000);
+    EXPECT_EQ(SpeedAtIndex(kSpeeds, index, kWide), 15000);
     EXPECT_EQ(index, 6);
     std::int16_t below = -1;
-    EXPECT_EQ(speedAtIndex(kSpeeds, below, vss::SpeedRange{0, 8000}), 0);
+    EXPECT_EQ(SpeedAtIndex(kSpeeds, below, vss::SpeedRange{0, 8000}), 0);
     EXPECT_EQ(below, -1);
 }
 
