@@ -5,8 +5,9 @@
 #include "app/Screenshots.h"
 #include "app/frmTop.h"
 #include "driver/DriverError.h"
-#include "kit/modGlobal.h"
+#include "driver/ShownText.h"
 #include "frontpanel/frmSimPanel.h"
+#include "kit/modGlobal.h"
 
 #include <QApplication>
 
@@ -68,7 +69,7 @@ int main(int argc, char* argv[]) {
     try {
         panel = vss::frontPanelFor(line.driver);
     } catch (const vss::DriverError& e) {
-        std::fprintf(stderr, "vsstool: %s\n", e.what());
+        std::fprintf(stderr, "vsstool: %s\n", vss::shownText(e.what()).c_str());
         return 2;
     }
 

@@ -3,7 +3,9 @@
 #include "driver/FileName.h"
 
 #include <array>
+#include <cerrno>
 #include <charconv>
+#include <filesystem>
 #include <stdexcept>
 #include <system_error>
 #include <tuple>
@@ -32,14 +34,45 @@ void TraceBuffer::clear() {
     lines_.clear();
 }
 
-TraceFile::TraceFile(const std::string& path) : out_(pathFromUtf8(path), std::ios::app) {
+namespace {
+
+// The trace goes to a regular file or to a new one. A named pipe would block the program until someone reads
+// it, and a folder or a device is no file to keep a trace in.
+std::filesystem::path traceFilePath(const std::string& path) {
+    std::error_code ec;
+    const std::filesystem::path file = pathFromUtf8(path);
+    const auto status = std::filesystem::status(file, ec);
+    if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status))
+        throw std::runtime_error("The trace file " + path +
+                                 " is not a regular file: name a new file, or a file to append to.");
+    return file;
+}
+
+} // namespace
+
+TraceFile::TraceFile(const std::string& path) : path_(path), out_(traceFilePath(path), std::ios::app) {
     if (!out_)
         throw std::runtime_error("Cannot open the trace file " + path + " for writing.");
 }
 
 void TraceFile::write(std::string_view line) {
+    const std::lock_guard lock(mutex_);
+    errno = 0;
     out_ << line << '\n';
     out_.flush();
+    if (out_)
+        return;
+    if (lost_++ == 0)
+        reason_ = errno != 0 ? std::generic_category().message(errno) : "the file system refused it";
+    out_.clear(); // the next line is tried again: a disk that has room again takes it
+}
+
+std::string TraceFile::loss() const {
+    const std::lock_guard lock(mutex_);
+    if (lost_ == 0)
+        return {};
+    return std::to_string(lost_) + (lost_ == 1 ? " line" : " lines") +
+           " of the driver call trace could not be written to " + path_ + ": " + reason_;
 }
 
 // ---------------------------------------------------------------------------------------------------------------
@@ -186,25 +219,31 @@ std::string oneLine(std::string s) {
 // The common part of every tracing wrapper: writes the line of each call and its Release line.
 class Tracer {
 public:
-    Tracer(std::string_view name, std::shared_ptr<TraceSink> sink, CallGate gate)
-        : name_(name), sink_(std::move(sink)), gate_(std::move(gate)) {}
+    Tracer(std::string_view name, std::shared_ptr<TraceSink> sink, CallGate gate, CallGate after)
+        : name_(name), sink_(std::move(sink)), gate_(std::move(gate)), after_(std::move(after)) {}
     ~Tracer() { sink_->write(std::string(name_) + ".Release()"); }
     Tracer(const Tracer&) = delete;
     Tracer& operator=(const Tracer&) = delete;
 
-    // Writes "Interface.Operation(arguments)" followed by the results or the failure, and passes on what `call`
-    // returned or threw.
+    // Writes "Interface.Operation(arguments)" followed by the results or the failure, and passes on what
+    // `call` returned or threw.
     template <class F, class... A>
     auto operator()(std::string_view operation, F&& call, const A&... args) -> decltype(call()) {
-        const std::string head = std::string(name_) + "." + std::string(operation) + "(" + list(args...) + ")";
+        const std::string head =
+            std::string(name_) + "." + std::string(operation) + "(" + list(args...) + ")";
         try {
+            const std::string called = std::string(name_) + "." + std::string(operation);
             if (gate_)
-                gate_(std::string(name_) + "." + std::string(operation));
+                gate_(called);
             if constexpr (std::is_void_v<decltype(call())>) {
                 call();
+                if (after_)
+                    after_(called);
                 sink_->write(head);
             } else {
                 auto result = call();
+                if (after_)
+                    after_(called);
                 sink_->write(head + " -> " + fmt(result));
                 return result;
             }
@@ -218,6 +257,7 @@ private:
     std::string_view name_;
     std::shared_ptr<TraceSink> sink_;
     CallGate gate_;
+    CallGate after_;
 };
 
 // One tracing wrapper per interface: each operation is one line that names it, forwards it and lists its arguments.
@@ -229,8 +269,8 @@ class Traced;
 template <class I>
 class TracedBase : public I {
 public:
-    TracedBase(std::shared_ptr<I> inner, std::shared_ptr<TraceSink> sink, CallGate gate)
-        : inner_(std::move(inner)), trace_(I::kName, std::move(sink), std::move(gate)) {}
+    TracedBase(std::shared_ptr<I> inner, std::shared_ptr<TraceSink> sink, CallGate gate, CallGate after)
+        : inner_(std::move(inner)), trace_(I::kName, std::move(sink), std::move(gate), std::move(after)) {}
 
 protected:
     std::shared_ptr<I> inner_;
@@ -492,8 +532,10 @@ std::string findName(const Guid& iid) {
 
 class TracedObject final : public DriverObject {
 public:
-    TracedObject(std::shared_ptr<DriverObject> inner, std::shared_ptr<TraceSink> sink, CallGate gate)
-        : inner_(std::move(inner)), sink_(std::move(sink)), gate_(std::move(gate)) {}
+    TracedObject(std::shared_ptr<DriverObject> inner, std::shared_ptr<TraceSink> sink, CallGate gate,
+                 CallGate after)
+        : inner_(std::move(inner)), sink_(std::move(sink)), gate_(std::move(gate)),
+          after_(std::move(after)) {}
 
     std::shared_ptr<Interface> QueryInterface(const Guid& iid) override {
         const std::string head = "CoDriver.QueryInterface(" + findName(iid) + ")";
@@ -513,7 +555,7 @@ public:
         visitInterface(iid, [&](auto* tag) {
             using I = std::decay_t<decltype(*tag)>;
             if (auto typed = std::dynamic_pointer_cast<I>(result))
-                wrapped = std::make_shared<Traced<I>>(std::move(typed), sink_, gate_);
+                wrapped = std::make_shared<Traced<I>>(std::move(typed), sink_, gate_, after_);
         });
         return wrapped;
     }
@@ -522,15 +564,17 @@ private:
     std::shared_ptr<DriverObject> inner_;
     std::shared_ptr<TraceSink> sink_;
     CallGate gate_;
+    CallGate after_;
 };
 
 } // namespace
 
 std::shared_ptr<DriverObject> WithTrace(std::shared_ptr<DriverObject> inner, std::shared_ptr<TraceSink> sink,
-                                        CallGate gate) {
+                                        CallGate gate, CallGate after) {
     if (!inner || !sink)
         throw std::invalid_argument("WithTrace needs a driver object and a trace sink.");
-    return std::make_shared<TracedObject>(std::move(inner), std::move(sink), std::move(gate));
+    return std::make_shared<TracedObject>(std::move(inner), std::move(sink), std::move(gate),
+                                          std::move(after));
 }
 
 std::shared_ptr<DriverObject> WithTrace(std::shared_ptr<DriverObject> inner, std::shared_ptr<TraceSink> sink) {

@@ -58,14 +58,21 @@ private:
     std::deque<std::string> lines_;
 };
 
-// Appends the lines to a file, flushed line by line so that a crash keeps what came before.
+// Appends the lines to a file, flushed line by line so that a crash keeps what came before. A line that cannot
+// be written (a full disk) is counted and the next one tried again; the program reports the loss at its end.
 class TraceFile : public TraceSink {
 public:
     explicit TraceFile(const std::string& path); // throws std::runtime_error when the file cannot be opened
     void write(std::string_view line) override;
+    // "N lines of the trace could not be written to FILE: reason"; empty when every line was written.
+    std::string loss() const;
 
 private:
+    std::string path_;
     std::ofstream out_;
+    mutable std::mutex mutex_;
+    std::size_t lost_ = 0;
+    std::string reason_; // of the first line lost
 };
 
 // Wraps a driver object so that every call through any of its interfaces is written to the sink, then passed on.
@@ -74,9 +81,11 @@ std::shared_ptr<DriverObject> WithTrace(std::shared_ptr<DriverObject> inner, std
 // The same, with a gate that sees every call first as "Interface.Operation" (the object's own query as
 // "CoDriver.QueryInterface"); a DriverError it throws fails the call and is traced like any other failure. The
 // simulated instrument uses it for its session check and for fault injection.
+// `after` sees every call that returned, once it has run and before its line is written; a DriverError it
+// throws fails the call too (the simulated instrument keeps its working values on disk there).
 using CallGate = std::function<void(std::string_view operation)>;
 std::shared_ptr<DriverObject> WithTrace(std::shared_ptr<DriverObject> inner, std::shared_ptr<TraceSink> sink,
-                                        CallGate gate);
+                                        CallGate gate, CallGate after = nullptr);
 
 // Formatting of trace values, shared by the tracer and by tools that print driver values.
 namespace traceformat {

@@ -1,6 +1,7 @@
 #include "frontpanel/frmSimPanel.h"
 
 #include "driver/DriverError.h"
+#include "driver/ShownText.h"
 #include "driver/StateText.h"
 #include "driver/Types.h"
 #include "kit/FormBuild.h"
@@ -76,7 +77,9 @@ frmSimPanel::frmSimPanel(std::shared_ptr<sim::SimInstrument> instrument, QWidget
     setFixedSize(twipsSize(6840, 7560));
     prompts_ = {
         [this](const QString& text) {
-            QMessageBox box(QMessageBox::NoIcon, windowTitle(), text, QMessageBox::Ok, this);
+            // A scenario's or the simulator's text, under the one rule for outside texts.
+            const QString shown = QString::fromStdString(shownText(text.toStdString()));
+            QMessageBox box(QMessageBox::NoIcon, windowTitle(), shown, QMessageBox::Ok, this);
             box.setWindowModality(Qt::WindowModal);
             box.exec();
         },

@@ -1,5 +1,6 @@
 #include "kit/Messages.h"
 
+#include "driver/ShownText.h"
 #include "kit/WaitCursor.h"
 #include "kit/modGlobal.h"
 
@@ -37,8 +38,10 @@ public:
 } // namespace
 
 void showMessage(std::string_view text, std::string_view title) {
-    const std::string resolvedTitle(title.empty() ? kAppTitle : title);
-    const std::string body(text);
+    // Texts from a file, the catalogue, a scenario or the instrument go into the box under the one rule for
+    // outside texts: a line end or a control character in them cannot forge a line of the message.
+    const std::string resolvedTitle = shownText(title.empty() ? kAppTitle : title);
+    const std::string body = shownText(text);
     const WaitCursorLift lift;
     if (const MessageHandler& handler = currentHandler())
         handler(body, resolvedTitle);

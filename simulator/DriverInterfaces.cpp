@@ -35,20 +35,9 @@ public:
     HeadPosition GetPosition() override { return m().position(); }
     DataArea GetDataArea() override { return m().measurement.dataArea; }
     void SetDataArea(double innerRadius, std::int32_t maxTrack, double pitch) override {
-        if (!(innerRadius >= 0.005 && innerRadius <= 0.06))
-            throw DriverError("The data area's inner radius " + traceformat::number(innerRadius) +
-                              " m is outside the range 0.005 to 0.06 m.");
-        if (maxTrack < 1 || maxTrack > 1000000)
-            throw DriverError("The maximum track " + std::to_string(maxTrack) +
-                              " is outside the range 1 to 1000000.");
-        if (!(pitch >= 1e-8 && pitch <= 1e-5))
-            throw DriverError("The track pitch " + traceformat::number(pitch) +
-                              " m is outside the range 1e-08 to 1e-05 m.");
-        const double outer = innerRadius + maxTrack * pitch;
-        if (outer > 0.065)
-            throw DriverError("The data area would end at " + traceformat::number(outer) +
-                              " m, beyond the largest disk radius of 0.065 m.");
-        m().measurement.dataArea = {innerRadius, maxTrack, pitch};
+        const DataArea area{innerRadius, maxTrack, pitch};
+        checkDataArea(area);
+        m().measurement.dataArea = area;
     }
     std::int32_t GetSpindleSpeed() override { return m().measurement.spindleSpeed; }
     void SetSpindleSpeed(std::int32_t rpm) override { m().setSpindleSpeed(rpm); }

@@ -52,48 +52,65 @@ int travelMilliseconds(double fromAngle, double toAngle) {
 
 Instrument::Instrument(const SimOptions& options)
     : file_(options.statePath == "-" || options.statePath == ":memory:" ? std::string()
-            : options.statePath.empty()                                  ? SimInstrument::defaultStatePath()
-                                                                         : options.statePath),
-      delays_(options.delays), headLoaderPresent_(options.headLoaderPresent),
-      listLower_(options.listLower) {
+            : options.statePath.empty()                                 ? SimInstrument::defaultStatePath()
+                                                                        : options.statePath),
+      powerCyclePending_(options.powerCycle), delays_(options.delays),
+      headLoaderPresent_(options.headLoaderPresent), listLower_(options.listLower) {
     inputs_[at(Input::SpindleSet)] = true;
     inputs_[at(Input::StopperDownSensor)] = true;
     nonVolatile_ = Settings::factory();
     working = nonVolatile_;
-    loadMemory();
-    // The instrument stays powered between programs: it keeps the working values the last one left, until a
-    // power cycle brings them back from non-volatile memory.
-    if (options.powerCycle)
-        file_.forgetWorking();
-    else if (const auto kept = memoryDamage_.empty() ? file_.readWorking() : std::nullopt) {
-        working = kept->settings;
-        measurement = kept->measurement;
+    // What the instrument shows before its first session (the front panel's radius and skew). Each session
+    // reads the files again under its lock and reports what is wrong with them.
+    try {
+        nonVolatile_ = file_.read();
+        working = nonVolatile_;
+        if (const auto kept = options.powerCycle ? std::nullopt : file_.readWorking()) {
+            working = kept->settings;
+            measurement = kept->measurement;
+        }
+    } catch (const DriverError&) {
     }
+    kept_ = {working, measurement};
     spinstandTypes = sim::spinstandTypes();
     if (options.spinstandTypeCodes.size() == spinstandTypes.codes.size())
         spinstandTypes.codes = options.spinstandTypeCodes;
 }
 
-Instrument::~Instrument() { keepWorkingValues(); }
+Instrument::~Instrument() = default;
 
-void Instrument::keepWorkingValues() noexcept {
-    if (!memoryDamage_.empty())
+// The instrument stays powered between programs: a session takes the working values the last one left (they
+// were written as they changed), or, after a power cycle, the values of non-volatile memory. Another program
+// may have used the instrument since this one last did, so both files are read as they stand now.
+void Instrument::loadSession() {
+    file_.removeLeftovers();
+    nonVolatile_ = file_.read();
+    std::optional<WorkingValues> kept;
+    if (powerCyclePending_) {
+        file_.forgetWorking();
+        powerCyclePending_ = false;
+    } else {
+        kept = file_.readWorking();
+    }
+    working = kept ? kept->settings : nonVolatile_;
+    measurement = kept ? kept->measurement : MeasurementSettings{};
+    kept_ = {working, measurement};
+}
+
+// Every change reaches the working values file before the call that made it returns, so that a program
+// interrupted later (Ctrl-C at a prompt, a window program ended by Exit) loses nothing it was told was done.
+// A change that cannot be written fails its call with the file and the reason, and is undone.
+void Instrument::keepChanges() {
+    if (!session_ || (working == kept_.settings && measurement == kept_.measurement))
         return;
     try {
         file_.writeWorking({working, measurement});
-    } catch (const std::exception&) {
-        // The next program then starts from non-volatile memory, as after a power cycle.
-    }
-}
-
-void Instrument::loadMemory() {
-    try {
-        nonVolatile_ = file_.read();
-        working = nonVolatile_;
-        memoryDamage_.clear();
     } catch (const DriverError& e) {
-        memoryDamage_ = e.description();
+        working = kept_.settings;
+        measurement = kept_.measurement;
+        throw DriverError(e.description() + " The instrument keeps the values it had before this call.");
     }
+    kept_ = {working, measurement};
 }
 
 void Instrument::pause(int milliseconds) const {
@@ -154,10 +171,13 @@ void Instrument::open(const std::string& resource) {
         throw DriverError("Cannot open the instrument \"" + resource +
                           "\": no instrument answers at this resource. This instrument answers at \"" +
                           std::string(kResource) + "\".");
-    if (!memoryDamage_.empty())
-        loadMemory();
-    if (!memoryDamage_.empty())
-        throw DriverError(memoryDamage_);
+    // One program at a time works on the instrument: a second one is refused here, with the name of the
+    // first.
+    if (file_.enabled() && !session_) {
+        std::unique_ptr<MemoryFile::Hold> held = file_.hold();
+        loadSession(); // a damaged file refuses the session and gives the instrument up again
+        session_ = std::move(held);
+    }
     pause(300);
     hw.open = true;
     hw.initialized = false;
@@ -172,7 +192,7 @@ void Instrument::close() {
     hw.piezoLoop = false;
     hw.open = false;
     hw.initialized = false;
-    keepWorkingValues();
+    session_.reset(); // every change is in the files already
 }
 
 void Instrument::parkHeads() {
@@ -345,9 +365,7 @@ void Instrument::setSpeedRange(std::int32_t min, std::int32_t max) {
 }
 
 void Instrument::setHomeState(std::int32_t code) {
-    if (code != homestate::Stop && code != homestate::Standby && code != homestate::Run)
-        throw DriverError("Home state " + std::to_string(code) +
-                          " is not allowed: use 1 (stop), 2 (standby) or 4 (run).");
+    checkHomeState(code);
     if (hw.initialized && !input(Input::Emergency) && !hw.headsDown && atHome()) {
         // At home the spindle takes the new state at once. A refusal part-way (the clamp on, then the motor
         // refused) puts the spindle and clamp back, and the setting stays as it was.
@@ -607,15 +625,11 @@ bool Instrument::piezoBalanced() const {
 // Configuration
 
 void Instrument::save(Group g) {
-    if (!memoryDamage_.empty()) {
-        nonVolatile_ = file_.read(); // still damaged: refused here
-        memoryDamage_.clear();
-    }
     Settings saved = working;
     if (g == Group::BacklashCompensation)
         saved.backlash.date = now();
     pause(300);
-    // The file may hold groups that another program saved meanwhile: they become this instrument's as well.
+    // The file is read again before the group is replaced: a hand edit of another group stays.
     nonVolatile_ = file_.saveGroup(g, saved, nonVolatile_);
     if (g == Group::BacklashCompensation)
         working.backlash.date = saved.backlash.date;
@@ -623,15 +637,18 @@ void Instrument::save(Group g) {
 
 void Instrument::recall(Group g) {
     pause(300);
+    if (file_.enabled())
+        nonVolatile_ = file_.read(); // as it stands; a damaged file refuses the recall
     copyGroup(g, nonVolatile_, working);
     measurement.spindleSpeed =
         std::clamp(measurement.spindleSpeed, working.spindle.speedRange.min, working.spindle.speedRange.max);
 }
 
 void Instrument::resetNonVolatile() {
+    // Outside a session the reset holds the instrument while it writes, as a session would.
+    const std::unique_ptr<MemoryFile::Hold> held = session_ ? nullptr : file_.hold();
     for (const Group g : kGroups)
         nonVolatile_ = file_.saveGroup(g, Settings::factory(), nonVolatile_);
-    memoryDamage_.clear();
 }
 
 } // namespace vss::sim

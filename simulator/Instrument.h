@@ -40,12 +40,15 @@ struct Hardware {
 class Instrument {
 public:
     explicit Instrument(const SimOptions& options);
-    ~Instrument(); // leaves the working values for the next program
+    ~Instrument(); // gives the instrument up to other programs
     Instrument(const Instrument&) = delete;
     Instrument& operator=(const Instrument&) = delete;
 
     // The gate every call passes first: injected faults, then the session and the head loader's presence.
     void gate(std::string_view operation);
+    // What every call does once it has run: writes the working values when it changed them. Throws DriverError
+    // when they cannot be written; the call's change is then undone.
+    void keepChanges();
 
     // Controls.
     void setInput(Input input, bool value);
@@ -55,7 +58,8 @@ public:
     std::vector<InjectedFailure> failures() const;
     void setDelays(bool on) { delays_ = on; }
     bool delays() const { return delays_; }
-    // Writes the factory values over every group of non-volatile memory; the working values stay.
+    // Writes the factory values over every group of non-volatile memory; the working values stay. Refused
+    // while another program holds the instrument.
     void resetNonVolatile();
     void setHeadLoaderPresent(bool present) { headLoaderPresent_ = present; }
     bool headLoaderPresent() const { return headLoaderPresent_; }
@@ -124,8 +128,7 @@ private:
     bool atHome() const;
     bool spinning() const { return hw.motor && !hw.freeRunning; }
     void pause(int milliseconds) const;
-    void loadMemory();
-    void keepWorkingValues() noexcept;
+    void loadSession();
     double stopperRadius(std::size_t index) const;
 
     struct Failure {
@@ -134,8 +137,11 @@ private:
     };
 
     MemoryFile file_;
+    std::unique_ptr<MemoryFile::Hold>
+        session_;                    // held from Open to Close: no other program works on the instrument
+    bool powerCyclePending_ = false; // the first session starts as after a power cycle
     Settings nonVolatile_;
-    std::string memoryDamage_; // the description of a damaged memory file, empty when it is sound
+    WorkingValues kept_; // the working values as the file holds them
     std::array<bool, 8> inputs_{};
     std::map<std::string, Failure, std::less<>> failures_;
     bool delays_ = false;

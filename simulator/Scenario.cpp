@@ -3,10 +3,12 @@
 #include "driver/DriverError.h"
 #include "driver/FileName.h"
 #include "driver/Interfaces.h"
+#include "driver/ShownText.h"
 #include "simulator/SimInterfaces.h"
 
 #include <algorithm>
 #include <cctype>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <sstream>
@@ -27,15 +29,6 @@ struct LineProblem {
 
 [[noreturn]] void wrong(std::string what) {
     throw LineProblem{std::move(what)};
-}
-
-std::string quote(std::string_view s) {
-    std::string quoted;
-    quoted.reserve(s.size() + 2);
-    quoted += '"';
-    quoted += s;
-    quoted += '"';
-    return quoted;
 }
 
 std::vector<Token> tokenize(std::string_view line) {
@@ -59,7 +52,7 @@ std::vector<Token> tokenize(std::string_view line) {
                 text += line[i];
             }
             if (i == line.size())
-                wrong("the text " + quote(text.substr(0, 40)) + " has no closing quote");
+                wrong("the text " + inQuotes(text) + " has no closing quote");
             ++i;
             tokens.push_back({std::move(text), true});
             continue;
@@ -94,12 +87,12 @@ public:
     std::string word(std::string_view expected) {
         const Token& t = take(expected);
         if (t.quoted)
-            wrong("expected " + std::string(expected) + " instead of the text " + quote(t.text));
+            wrong("expected " + std::string(expected) + " instead of the text " + inQuotes(t.text));
         return t.text;
     }
     void expectEnd() {
         if (!atEnd())
-            wrong("unexpected " + quote(tokens_[next_].text) + " at the end of the line");
+            wrong("unexpected " + inQuotes(tokens_[next_].text) + " at the end of the line");
     }
 
 private:
@@ -115,26 +108,27 @@ std::chrono::milliseconds parseTime(const std::string& t) {
                             std::count(number.begin(), number.end(), '.') <= 1 &&
                             (unit == "s" || unit == "ms");
     if (!wellFormed)
-        wrong("bad time " + quote(t) + ": write a number of seconds or milliseconds, such as 2.5s or 500ms");
+        wrong("bad time " + inQuotes(t) +
+              ": write a number of seconds or milliseconds, such as 2.5s or 500ms");
     // Read in microseconds with whole numbers only: the decimal point is a point whatever the user's locale.
     const std::size_t point = number.find('.');
     const std::string whole = number.substr(0, point);
     std::string fraction = point == std::string::npos ? "" : number.substr(point + 1);
     const int fractionDigits = unit == "s" ? 6 : 3;
     if (whole.size() > 9 || fraction.size() > static_cast<std::size_t>(fractionDigits))
-        wrong("bad time " + quote(t) + ": a step waits 24 hours at most, timed to the millisecond");
+        wrong("bad time " + inQuotes(t) + ": a step waits 24 hours at most, timed to the millisecond");
     fraction.resize(static_cast<std::size_t>(fractionDigits), '0');
     const long long scale = unit == "s" ? 1'000'000 : 1'000;
     const long long us = std::stoll(whole) * scale + std::stoll(fraction);
     if (us > kMaxScenarioDelay.count() * 1000)
-        wrong("bad time " + quote(t) + ": a step waits 24 hours at most");
+        wrong("bad time " + inQuotes(t) + ": a step waits 24 hours at most");
     return std::chrono::milliseconds((us + 500) / 1000);
 }
 
 std::string parseOperation(Reader& r) {
     const std::string op = r.word("an operation");
     if (!isOperationName(op))
-        wrong("unknown operation " + quote(op) +
+        wrong("unknown operation " + inQuotes(op) +
               ": name it Interface.Operation, as in the trace (IDriver.Load)");
     return op;
 }
@@ -163,7 +157,7 @@ int parseCount(Reader& r) {
         return std::isdigit(static_cast<unsigned char>(c)) != 0;
     }) && n != "-";
     if (!isNumber)
-        wrong("bad count " + quote(n) + ": write \"once\", \"N times\" or \"until cleared\"");
+        wrong("bad count " + inQuotes(n) + ": write \"once\", \"N times\" or \"until cleared\"");
     if (n[0] == '-' || n.size() > 4 || std::stoi(n) < 1 || std::stoi(n) > kMaxFailureCount)
         wrong("bad count " + n + ": a failure repeats 1 to " + std::to_string(kMaxFailureCount) + " times");
     if (!r.accept("times") && !r.accept("time"))
@@ -181,12 +175,12 @@ void parseAction(Reader& r, ScenarioStep& step) {
             std::string names;
             for (const InputName& i : switchableInputs())
                 names += (names.empty() ? "" : ", ") + std::string(i.name);
-            wrong("unknown input " + quote(name) + ": the inputs are " + names);
+            wrong("unknown input " + inQuotes(name) + ": the inputs are " + names);
         }
         step.input = *input;
         const std::string value = r.word("on or off");
         if (value != "on" && value != "off")
-            wrong("an input is set \"on\" or \"off\", not " + quote(value));
+            wrong("an input is set \"on\" or \"off\", not " + inQuotes(value));
         step.value = value == "on";
     } else if (verb == "fail") {
         step.action = ScenarioStep::Action::Fail;
@@ -207,7 +201,7 @@ void parseAction(Reader& r, ScenarioStep& step) {
             step.operation = parseOperation(r);
         }
     } else {
-        wrong("unknown action " + quote(verb) + ": the actions are set, fail and clear");
+        wrong("unknown action " + inQuotes(verb) + ": the actions are set, fail and clear");
     }
     r.expectEnd();
 }
@@ -232,7 +226,7 @@ template <class I> void addOperations(std::vector<std::string>& names) {
 Scenario parseScenario(std::string_view text, const std::string& name) {
     Scenario scenario{name, {}};
     int lineNumber = 0;
-    std::istringstream lines{std::string(text)};
+    std::istringstream lines{std::string(withoutByteOrderMark(text))};
     for (std::string line; std::getline(lines, line);) {
         ++lineNumber;
         if (!line.empty() && line.back() == '\r')
@@ -252,6 +246,13 @@ Scenario parseScenario(std::string_view text, const std::string& name) {
 }
 
 Scenario readScenario(const std::string& path) {
+    // Only a regular file is a scenario: a named pipe would block the program until someone writes to it, and
+    // a folder would read as a scenario without steps.
+    std::error_code ec;
+    const auto status = std::filesystem::status(pathFromUtf8(path), ec);
+    if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status))
+        throw DriverError("The scenario file " + path +
+                          " is not a regular file: name a file of scenario steps.");
     std::ifstream in(pathFromUtf8(path), std::ios::binary);
     if (!in)
         throw DriverError("Cannot read the scenario file " + path + ".");
@@ -303,7 +304,7 @@ const std::vector<std::string>& operationNames() {
 
 std::string failureProblem(std::string_view operation, std::string_view text, int times) {
     if (!isOperationName(operation))
-        return "unknown operation " + quote(operation) + ": name it Interface.Operation, as in the trace";
+        return "unknown operation " + inQuotes(operation) + ": name it Interface.Operation, as in the trace";
     if (times == 0 || times < -1 || times > kMaxFailureCount)
         return "bad count " + std::to_string(times) + ": a failure repeats 1 to " +
                std::to_string(kMaxFailureCount) + " times, or until cleared";

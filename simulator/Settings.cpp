@@ -1,6 +1,7 @@
 #include "simulator/Settings.h"
 
 #include "driver/DriverError.h"
+#include "driver/ShownText.h"
 #include "driver/Trace.h"
 #include "simulator/InstrumentLists.h"
 
@@ -134,7 +135,7 @@ bool sameGroup(Group g, const Settings& a, const Settings& b) {
 
 void checkIdentityText(std::string_view what, std::string_view text) {
     if (text.size() > 32)
-        fail(std::string(what) + " " + traceformat::text(text) + " is too long: at most 32 characters.");
+        fail(std::string(what) + " " + inQuotes(text) + " is too long: at most 32 characters.");
     for (const char c : text)
         if (static_cast<unsigned char>(c) < 0x20 || c == 0x7f)
             fail(std::string(what) + " may not contain control characters.");
@@ -184,6 +185,24 @@ void checkGeometry(std::int16_t index, double value) {
 void checkHeadFace(std::int32_t face) {
     if (face != 0 && face != 1)
         fail("Head face " + std::to_string(face) + " is not allowed: use 1 (down face) or 0 (up face).");
+}
+
+void checkHomeState(std::int32_t code) {
+    if (code != homestate::Stop && code != homestate::Standby && code != homestate::Run)
+        fail("Home state " + std::to_string(code) + " is not allowed: use 1 (stop), 2 (standby) or 4 (run).");
+}
+
+void checkDataArea(const DataArea& area) {
+    if (!(area.innerRadius >= 0.005 && area.innerRadius <= 0.06))
+        fail("The data area's inner radius " + num(area.innerRadius) +
+             " m is outside the range 0.005 to 0.06 m.");
+    if (area.maxTrack < 1 || area.maxTrack > 1000000)
+        fail("The maximum track " + std::to_string(area.maxTrack) + " is outside the range 1 to 1000000.");
+    if (!(area.pitch >= 1e-8 && area.pitch <= 1e-5))
+        fail("The track pitch " + num(area.pitch) + " m is outside the range 1e-08 to 1e-05 m.");
+    const double outer = area.innerRadius + area.maxTrack * area.pitch;
+    if (outer > 0.065)
+        fail("The data area would end at " + num(outer) + " m, beyond the largest disk radius of 0.065 m.");
 }
 
 std::size_t adjustSlot(std::int16_t index, std::int16_t lower) {
@@ -251,7 +270,7 @@ double parseNumber(std::string_view s) {
     double v = 0.0;
     const auto [end, ec] = std::from_chars(s.data(), s.data() + s.size(), v);
     if (s.empty() || ec != std::errc() || end != s.data() + s.size())
-        fail(traceformat::text(s) + " is not a number");
+        fail(inQuotes(s) + " is not a number");
     return v;
 }
 
@@ -260,7 +279,7 @@ Int parseWhole(std::string_view s) {
     const double v = parseNumber(s);
     if (v != std::floor(v) || v < static_cast<double>(std::numeric_limits<Int>::min()) ||
         v > static_cast<double>(std::numeric_limits<Int>::max()))
-        fail(traceformat::text(trim(s)) + " is not a whole number of the right size");
+        fail(inQuotes(trim(s)) + " is not a whole number of the right size");
     return static_cast<Int>(v);
 }
 
@@ -270,13 +289,13 @@ bool parseBool(std::string_view s) {
         return true;
     if (s == "false")
         return false;
-    fail(traceformat::text(s) + " is neither true nor false");
+    fail(inQuotes(s) + " is neither true nor false");
 }
 
 std::string parseText(std::string_view s) {
     s = trim(s);
     if (s.size() < 2 || s.front() != '"' || s.back() != '"')
-        fail("a text in double quotes is expected, not " + std::string(s));
+        fail("a text in double quotes is expected, not " + inQuotes(s));
     std::string out;
     for (std::size_t i = 1; i + 1 < s.size(); ++i) {
         char c = s[i];
@@ -415,12 +434,17 @@ std::vector<Field> propertyFields(const PropertyFamily& family, std::vector<Vari
     return fields;
 }
 
-// The measurement settings, in the working-values file only.
+// The measurement settings, in the working-values file only. They are checked as the instrument's operations
+// check them, as far as a value can be checked alone: a speed within the widest speed range, finite
+// positions. A file with a value those operations refuse is damaged, so that no NaN pitch or unknown home
+// state reaches the instrument.
 Section measurementSection(MeasurementSettings& m) {
+    const auto speed = [](std::int32_t rpm) { checkRange("The spindle speed", rpm, 1000, 20000, "rpm"); };
     std::vector<Field> f{
-        wholeField<std::int32_t>("SpindleSpeed", m.spindleSpeed),
-        wholeField<std::int32_t>("HomeState", m.homeState),
-        wholeField<std::int16_t>("LoadMethod", m.loadMethod),
+        wholeField<std::int32_t>("SpindleSpeed", m.spindleSpeed, speed),
+        wholeField<std::int32_t>("HomeState", m.homeState, checkHomeState),
+        wholeField<std::int16_t>("LoadMethod", m.loadMethod,
+                                 [](std::int16_t v) { checkCode("Load method", loadMethods(), v); }),
         doubleField("InnerRadius", m.dataArea.innerRadius),
         wholeField<std::int32_t>("MaxTrack", m.dataArea.maxTrack),
         doubleField("Pitch", m.dataArea.pitch),
@@ -429,11 +453,13 @@ Section measurementSection(MeasurementSettings& m) {
     };
     for (std::size_t i = 0; i < m.positions.size(); ++i) {
         const std::string which = i == 0 ? "Load" : "Unload";
-        f.push_back(doubleField(which + "Radius", m.positions[i].position.radius));
-        f.push_back(doubleField(which + "Skew", m.positions[i].position.skew));
-        f.push_back(wholeField<std::int32_t>(which + "Rpm", m.positions[i].rpm));
+        f.push_back(doubleField(which + "Radius", m.positions[i].position.radius,
+                                [which](double v) { checkFinite(which + "Radius", v); }));
+        f.push_back(doubleField(which + "Skew", m.positions[i].position.skew,
+                                [which](double v) { checkFinite(which + "Skew", v); }));
+        f.push_back(wholeField<std::int32_t>(which + "Rpm", m.positions[i].rpm, speed));
     }
-    return {Group::VersionData, std::move(f), nullptr, "Setting"};
+    return {Group::VersionData, std::move(f), [&m] { checkDataArea(m.dataArea); }, "Setting"};
 }
 
 std::vector<Section> sections(Settings& s, MeasurementSettings* measurement = nullptr) {
@@ -524,6 +550,7 @@ void readText(std::string_view text, Settings& settings, MeasurementSettings* me
     const Section* current = nullptr;
     int lineNo = 0;
     int endLine = 0;
+    text = withoutByteOrderMark(text); // an editor may have put one before the first line
     while (!text.empty()) {
         ++lineNo;
         const std::size_t nl = text.find('\n');
@@ -546,7 +573,7 @@ void readText(std::string_view text, Settings& settings, MeasurementSettings* me
                 if (s.name == name)
                     current = &s;
             if (!current)
-                throw SettingsError{lineNo, "unknown section [" + std::string(name) + "]"};
+                throw SettingsError{lineNo, "unknown section [" + printable(name, kQuoteLimit) + "]"};
             if (headerLines.count(current))
                 throw SettingsError{lineNo, "the section [" + std::string(name) + "] appears twice"};
             headerLines[current] = lineNo;
@@ -563,12 +590,12 @@ void readText(std::string_view text, Settings& settings, MeasurementSettings* me
             if (f.key == key)
                 field = &f;
         if (!field)
-            throw SettingsError{lineNo, "unknown key " + std::string(key) + " in section [" +
+            throw SettingsError{lineNo, "unknown key " + printable(key, kQuoteLimit) + " in section [" +
                                             std::string(current->name) + "]"};
         try {
             field->read(line.substr(eq + 1));
         } catch (const DriverError& e) {
-            throw SettingsError{lineNo, std::string(key) + ": " + e.description()};
+            throw SettingsError{lineNo, std::string(key) + ": " + std::string(clause(e.description()))};
         }
     }
     if (endLine == 0)
@@ -582,7 +609,7 @@ void readText(std::string_view text, Settings& settings, MeasurementSettings* me
         } catch (const DriverError& e) {
             const auto at = headerLines.find(&s);
             throw SettingsError{at == headerLines.end() ? lineNo : at->second,
-                                "[" + std::string(s.name) + "]: " + e.description()};
+                                "[" + std::string(s.name) + "]: " + std::string(clause(e.description()))};
         }
     }
 }
@@ -609,8 +636,8 @@ std::string writeWorkingValues(const WorkingValues& values) {
     MeasurementSettings measurement = values.measurement;
     return writeText(
         values.settings, &measurement,
-        "# Working values of the simulated spinstand: what it holds while it is powered, written when a\n"
-        "# program ends its session. A power cycle deletes this file; the values then come from the\n"
+        "# Working values of the simulated spinstand: what it holds while it is powered, written whenever\n"
+        "# a program changes them. A power cycle deletes this file; the values then come from the\n"
         "# non-volatile memory beside it.\n");
 }
 

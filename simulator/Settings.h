@@ -119,6 +119,8 @@ void checkStopperAngle(double angle);
 void checkGeometryIndex(std::int16_t index);
 void checkGeometry(std::int16_t index, double value);
 void checkHeadFace(std::int32_t face);
+void checkHomeState(std::int32_t code);
+void checkDataArea(const DataArea& area);
 // The position in the instrument's table of an index into its list numbered from `lower`; a missing index throws.
 std::size_t adjustSlot(std::int16_t index, std::int16_t lower);
 void checkAdjust(std::int32_t dac);

@@ -103,11 +103,13 @@ SimInstrument::~SimInstrument() = default;
 std::shared_ptr<DriverObject> SimInstrument::createObject() {
     InstrumentPtr instrument = impl_->instrument;
     std::shared_ptr<ScenarioPlayer> scenario = impl_->scenario;
-    return WithTrace(std::make_shared<SimObject>(instrument), instrument->trace(),
-                     [instrument, scenario](std::string_view operation) {
-                         scenario->advance(operation); // a step armed by this call applies to it already
-                         instrument->gate(operation);
-                     });
+    return WithTrace(
+        std::make_shared<SimObject>(instrument), instrument->trace(),
+        [instrument, scenario](std::string_view operation) {
+            scenario->advance(operation); // a step armed by this call applies to it already
+            instrument->gate(operation);
+        },
+        [instrument](std::string_view) { instrument->keepChanges(); });
 }
 
 void SimInstrument::setInput(Input input, bool value) { impl_->instrument->setInput(input, value); }

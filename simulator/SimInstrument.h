@@ -4,7 +4,8 @@
 // (--simulate), what operators train on and what every test runs against. One SimInstrument is one physical
 // instrument; driver objects created on it are sessions of the tool. Its non-volatile memory persists in a
 // human-readable text file, and its working values persist beside it from one program to the next until a power
-// cycle (SimOptions::powerCycle).
+// cycle (SimOptions::powerCycle). One program at a time holds an instrument that has a memory file: from Open to
+// Close, and another program's Open is refused with the holder's name (MemoryFile).
 
 #include "driver/Interfaces.h"
 #include "driver/Trace.h"
@@ -93,7 +94,8 @@ public:
     PanelReadout readout() const;
 
     // Writes the factory values over the non-volatile memory (and its file); the working values stay as they
-    // are until a Recall. Throws DriverError when the memory file cannot be written or is damaged.
+    // are until a Recall. Throws DriverError when the memory file cannot be written or is damaged, or another
+    // program holds the instrument.
     void resetNonVolatileMemory();
 
     // Scenarios. A scenario replaces the one running; its timed steps are applied when a driver call passes

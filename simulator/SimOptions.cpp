@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <stdexcept>
 
 namespace vss {
 namespace {
@@ -18,7 +19,13 @@ constexpr SimOption kOptions[] = {
      "FILE",
      {2, "The simulated instrument's non-volatile memory file."},
      {2, "the simulated instrument's non-volatile memory file"},
-     [](DriverOptions& options, const std::string& file) { options.simStatePath = file; }},
+     [](DriverOptions& options, const std::string& file) {
+         // An empty name would quietly pick the default memory file: another instrument than the one asked.
+         if (file.empty())
+             throw std::invalid_argument("the memory file name given with --sim-state is empty: name a file, "
+                                         "or - for an instrument without one");
+         options.simStatePath = file;
+     }},
     {"power-cycle",
      "",
      {3, "Start the simulated instrument as after switching it off and on: its working values from its "
@@ -118,7 +125,7 @@ std::string simOptionsUsage(Program program) {
 
 void SimArguments::set(const SimOption& option, std::string value) {
     const auto given = std::ranges::find(given_, &option, &std::pair<const SimOption*, std::string>::first);
-    if (option.takesValue() && value.empty()) {
+    if (option.takesValue() && value.empty() && option.name != "sim-state") {
         if (given != given_.end())
             given_.erase(given);
     } else if (given != given_.end()) {

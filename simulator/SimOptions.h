@@ -46,7 +46,7 @@ std::string simOptionsUsage(Program program);
 
 // The options given on a command line with their values (empty for a switch), to be applied when the
 // instrument session starts. An option given twice counts once, with its later value; an empty file name
-// counts as not giving the option (the simulator's default memory file, no scenario, no trace).
+// counts as not giving the option (no scenario, no trace), except for --sim-state, where applying it refuses it.
 class SimArguments {
 public:
     void set(const SimOption& option, std::string value);

@@ -49,16 +49,19 @@ std::string place(const FieldPosition& where) {
 //   (the plain reading meets the same field again with every later read);
 // - a section that meets the end of the file, or a row that meets the end of its line, before the count
 //   stops there, instead of repeating the last value or taking the next row's;
-// - a section name met where a value belongs ends the section and is left for the file reader to find.
+// - a section name met where a value belongs ends the section and is left for the file reader to find, even
+//   where the value is a text (the piezo serial number): a section name never becomes a value;
+// - a text that the writer would refuse (a double quote, a line end) stops its section as well.
 // What was applied before the stop stays applied; nothing after it is.
 class SectionReader {
 public:
     explicit SectionReader(SectionInput& in) : in_(in) {}
 
-    // What the following reads are for, as the messages name it ("entry 3 of 5").
+    // What the following reads are for, as the messages name it ("entry 3 of 5", "the serial number").
     void item(std::string_view kind, std::size_t number, std::size_t count) {
         item_ = std::string(kind) + " " + std::to_string(number) + " of " + std::to_string(count);
     }
+    void item(std::string_view what) { item_ = what; }
     // The fields read from here to the next startRow must lie on the line of the first of them.
     void startRow() {
         inRow_ = true;
@@ -67,8 +70,15 @@ public:
 
     std::string label() { return take([this] { return in_.io.readStr(); }, false); }
     std::string word() { return take([this] { return in_.io.readStr(); }, true); }
-    // Any text, a section name included.
-    std::string text() { return take([this] { return in_.io.readStr(); }, true, false); }
+    // A text that the instrument keeps. One that the writer would refuse (a double quote, a line end) is
+    // refused here too, so that no value read from a file makes every later export of it fail.
+    std::string text() {
+        const FieldPosition where = in_.io.tokenPosition();
+        std::string value = word();
+        if (fileio::unwritable(value))
+            stop(fileio::unwritableReason(value), where);
+        return value;
+    }
     double dbl() { return take([this] { return in_.io.readDbl(); }, true); }
     std::int32_t lng() { return take([this] { return in_.io.readLng(); }, true); }
     std::int16_t int16() { return take([this] { return in_.io.readInt(); }, true); }
@@ -114,14 +124,14 @@ public:
     }
 
 private:
-    template <class Read> std::invoke_result_t<Read> take(Read read, bool isValue, bool sectionEnds = true) {
+    template <class Read> std::invoke_result_t<Read> take(Read read, bool isValue) {
         fileio& io = in_.io;
         const FieldPosition where = io.tokenPosition();
         if (io.pastEnd() || io.failed())
             throw SectionStops{std::string(in_.section) + ": file ends before " + item_ + " (" +
                                where.fileName + ", after line " + std::to_string(where.line) +
                                "); the section stops there and nothing after it is applied."};
-        if (sectionEnds && findSection(numbertext::trimBlanks(io.token())) != nullptr)
+        if (findSection(numbertext::trimBlanks(io.token())) != nullptr)
             stop("section ends before " + item_, where);
         if (inRow_ && rowLine_ == 0)
             rowLine_ = where.line;
@@ -154,6 +164,15 @@ private:
     FieldPosition tagAt_;
     std::vector<FieldPosition> unsent_;
 };
+
+// A text from the instrument written as a value. One that reads as a section name would end its section on
+// import instead of being read, so the writer refuses it as it refuses a double quote.
+void writeText(fileio& io, const std::string& text) {
+    if (findSection(numbertext::trimBlanks(text)) != nullptr)
+        io.refuseText(text, "it reads as the name of a section");
+    else
+        io.writeStr(text);
+}
 
 void writeDoubles(fileio& io, const std::vector<double>& values) {
     for (double v : values)
@@ -386,7 +405,7 @@ void writeProperties(fileio& io, const DriverHandles& h, PropertyKind kind) {
     const PropertyList list = propertyList(h, kind);
     for (std::size_t i = 0; i < list.ids.size(); ++i) {
         const std::int16_t id = list.ids[i];
-        io.writeStr(nameAt(list, i));
+        writeText(io, nameAt(list, i));
         io.writeVariant(kind == PropertyKind::Spindle ? serviceOf(h).GetSpindleProperty(id)
                                                       : serviceOf(h).GetStageProperty(id));
         io.writeCrLf();
@@ -395,13 +414,11 @@ void writeProperties(fileio& io, const DriverHandles& h, PropertyKind kind) {
 
 // Rows are matched to the driver's properties by position; a differing name only raises a warning. A value
 // the instrument refuses is reported and the next row is read. A row that cannot be read stops the section,
-// so that no later value lands on the wrong property.
+// so that no later value lands on the wrong property. A property list that the instrument cannot give ends
+// the reading with the driver's error, as any other failed driver call does: skipping the section without a
+// word would leave its values unset while the import, comparison or restore seemed to have read them.
 void readProperties(SectionInput& in, PropertyKind kind) {
-    PropertyList list;
-    try {
-        list = propertyList(in.handles, kind);
-    } catch (const std::exception&) {
-    }
+    const PropertyList list = propertyList(in.handles, kind);
     SectionReader r(in);
     for (std::size_t i = 0; i < list.ids.size(); ++i) {
         r.item("property", i + 1, list.ids.size());
@@ -416,7 +433,9 @@ void readProperties(SectionInput& in, PropertyKind kind) {
     }
 }
 
-void writeSpindleProperty(fileio& io, const DriverHandles& h) { writeProperties(io, h, PropertyKind::Spindle); }
+void writeSpindleProperty(fileio& io, const DriverHandles& h) {
+    writeProperties(io, h, PropertyKind::Spindle);
+}
 void readSpindleProperty(SectionInput& in) { readProperties(in, PropertyKind::Spindle); }
 void writeStageProperty(fileio& io, const DriverHandles& h) { writeProperties(io, h, PropertyKind::Stage); }
 void readStageProperty(SectionInput& in) { readProperties(in, PropertyKind::Stage); }
@@ -430,11 +449,12 @@ void writeNop(fileio& io, std::size_t count) {
 }
 
 void writePiezoSerial(fileio& io, const DriverHandles& h) {
-    io.writeStr(serviceOf(h).GetPiezoSerial());
+    writeText(io, serviceOf(h).GetPiezoSerial());
     io.writeCrLf();
 }
 void readPiezoSerial(SectionInput& in) {
     SectionReader r(in);
+    r.item("the serial number");
     const std::string serial = r.text();
     r.apply(1, [&] { in.target.SetPiezoSerial(serial); });
 }

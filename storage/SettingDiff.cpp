@@ -1,8 +1,9 @@
 #include "storage/SettingDiff.h"
 
+#include "driver/DriverError.h"
+#include "storage/Messages.h"
 #include "storage/NumberText.h"
 #include "storage/Sections.h"
-#include "storage/Messages.h"
 #include "storage/modConfigFile.h"
 
 #include <algorithm>
@@ -47,8 +48,29 @@ std::string homeStateText(std::int32_t code) {
 
 std::string headFaceText(std::int32_t face) { return face != 0 ? "SSHEADFACE_DOWNFACE" : "SSHEADFACE_UPFACE"; }
 
+// A target that only reads the instrument. A property row is the one value whose refusal the section reader
+// reports and reads on past, as an import must; a comparison or a check cannot go on without the instrument's
+// value. So a failed read of a property is kept (the first one) and the row passed over, and readFile throws
+// the kept failure once the file has been read. Every other failed read ends the reading at once.
+class ReadingTarget : public SettingTarget {
+public:
+    std::optional<DriverError> unread;
+
+protected:
+    // The read's result, or nothing when it failed.
+    template <class Read> auto property(Read read) -> std::optional<decltype(read())> {
+        try {
+            return read();
+        } catch (const DriverError& e) {
+            if (!unread)
+                unread = e;
+            return std::nullopt;
+        }
+    }
+};
+
 // Records the file's values beside the instrument's; the instrument is only read.
-class DiffTarget : public SettingTarget {
+class DiffTarget : public ReadingTarget {
 public:
     explicit DiffTarget(const DriverHandles& handles) : h_(handles) {}
 
@@ -115,8 +137,12 @@ public:
     }
     void SetProperty(PropertyKind kind, std::int16_t id, const std::string& name, const Variant& value) override {
         const bool spindle = kind == PropertyKind::Spindle;
-        const Variant now = spindle ? serviceOf(h_).GetSpindleProperty(id) : serviceOf(h_).GetStageProperty(id);
-        record((spindle ? "%SpindleProperty " : "%StageProperty ") + printable(name), text(now), text(value));
+        const std::optional<Variant> now = property([&] {
+            return spindle ? serviceOf(h_).GetSpindleProperty(id) : serviceOf(h_).GetStageProperty(id);
+        });
+        if (now)
+            record((spindle ? "%SpindleProperty " : "%StageProperty ") + printable(name), text(*now),
+                   text(value));
     }
     void SetPiezoSerial(const std::string& serial) override {
         record("%PiezoSerial", text(serviceOf(h_).GetPiezoSerial()), text(serial));
@@ -166,7 +192,7 @@ private:
 };
 
 // Checks each value against the instrument's lists and ranges as the file is read; the instrument is only read.
-class CheckTarget : public SettingTarget {
+class CheckTarget : public ReadingTarget {
 public:
     explicit CheckTarget(const DriverHandles& handles) : h_(handles) {}
 
@@ -192,18 +218,22 @@ public:
     void SetProperty(PropertyKind kind, std::int16_t id, const std::string& name, const Variant& value) override {
         const bool spindle = kind == PropertyKind::Spindle;
         IDriverService& service = serviceOf(h_);
-        const Variant now = spindle ? service.GetSpindleProperty(id) : service.GetStageProperty(id);
+        const std::optional<Variant> now =
+            property([&] { return spindle ? service.GetSpindleProperty(id) : service.GetStageProperty(id); });
+        if (!now)
+            return;
         const std::string item = (spindle ? "%SpindleProperty " : "%StageProperty ") + printable(name);
-        if (now.type() != value.type()) {
-            refuse(item + " " + text(value) + " is not of the instrument's type, as " + text(now) + " is");
+        if (now->type() != value.type()) {
+            refuse(item + " " + text(value) + " is not of the instrument's type, as " + text(*now) + " is");
             return;
         }
         if (value.type() != Variant::Type::Int16)
             return;
-        const NamedCodes choices =
-            spindle ? service.GetSpindlePropertyChoices(id) : service.GetStagePropertyChoices(id);
-        if (!choices.codes.empty())
-            checkCode(item, value.int16(), choices, "choices");
+        const std::optional<NamedCodes> choices = property([&] {
+            return spindle ? service.GetSpindlePropertyChoices(id) : service.GetStagePropertyChoices(id);
+        });
+        if (choices && !choices->codes.empty())
+            checkCode(item, value.int16(), *choices, "choices");
     }
 
     void SetHomeState(std::int32_t) override {}
@@ -246,25 +276,32 @@ private:
     std::optional<SpeedRange> speedRange_;
 };
 
+// Reads the file's sections of the group into the target. Any driver failure ends the reading with the
+// driver's error: a value that cannot be compared or checked is not taken for equal or allowed.
+int readFile(int groupCode, const std::string& fileName, const DriverHandles& handles, ReadingTarget& target,
+             MessageSink& sink) {
+    fileio io(sink);
+    io.setFileName(fileName);
+    const int sections = ReadSettingFile(io, handles, groupCode, target, sink);
+    if (target.unread)
+        throw *target.unread;
+    return sections;
+}
+
 } // namespace
 
 GroupDifferences diffGroup(int groupCode, const std::string& fileName, const DriverHandles& handles,
                            MessageSink& sink) {
-    fileio io(sink);
-    io.setFileName(fileName);
     DiffTarget target(handles);
-    const int sections = ReadSettingFile(io, handles, groupCode, target, sink);
+    const int sections = readFile(groupCode, fileName, handles, target, sink);
     return {target.differences(), sections};
 }
 
 std::vector<std::string> checkGroups(std::span<const int> groupCodes, const std::string& fileName,
                                      const DriverHandles& handles, MessageSink& sink) {
     CheckTarget target(handles);
-    for (const int code : groupCodes) {
-        fileio io(sink);
-        io.setFileName(fileName);
-        ReadSettingFile(io, handles, code, target, sink);
-    }
+    for (const int code : groupCodes)
+        readFile(code, fileName, handles, target, sink);
     return std::move(target.problems);
 }
 

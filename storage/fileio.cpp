@@ -4,6 +4,7 @@
 #include "storage/NumberText.h"
 
 #include <bit>
+#include <cctype>
 #include <cerrno>
 #include <cmath>
 #include <cstdint>
@@ -124,6 +125,9 @@ void fileio::openFile(Mode mode) {
         line_ = field_ = 1;
         pastEnd_ = false;
         stopped_ = false;
+        // A byte-order mark that an editor put before the first field belongs to no field.
+        if (fill() && std::string_view(buffer_.data(), len_).starts_with(kByteOrderMark))
+            pos_ = kByteOrderMark.size();
         nextToken();
     }
 }
@@ -455,17 +459,19 @@ void fileio::write(std::string_view text) {
 }
 
 bool fileio::unwritable(std::string_view text, bool comment) {
-    if (!comment)
-        return text.find_first_of("\"\r\n") != std::string_view::npos;
-    if (text.find_first_of("\r\n") != std::string_view::npos)
-        return true;
-    // In a comment line a double quote matters only where it opens a field: first after a comma and blanks.
-    for (std::size_t comma = text.find(','); comma != std::string_view::npos; comma = text.find(',', comma + 1)) {
-        const std::size_t next = text.find_first_not_of(" \t", comma + 1);
-        if (next != std::string_view::npos && text[next] == '"')
-            return true;
-    }
-    return false;
+    // A double quote in a comment line stays in its comment field: printComment lets no field of the line
+    // start with one.
+    return text.find_first_of(comment ? "\r\n" : "\"\r\n") != std::string_view::npos;
+}
+
+namespace {
+std::string unwritableText(std::string_view text, std::string_view why) {
+    return "the text " + inQuotes(text) + " cannot be written to a setting file: " + std::string(why);
+}
+} // namespace
+
+std::string fileio::unwritableReason(std::string_view text) {
+    return unwritableText(text, "it holds a double quote or a line end");
 }
 
 // A text that would not read back as written is refused, and with it the whole file: a report missing one
@@ -473,16 +479,24 @@ bool fileio::unwritable(std::string_view text, bool comment) {
 bool fileio::refuse(std::string_view text, bool comment) {
     if (!unwritable(text, comment) || (file_ != nullptr && mode_ == Mode::Read))
         return false;
-    if (!failed_) {
-        failed_ = true;
-        pending_.clear();
-        report(sink_,
-               "The text \"" + printable(text, kQuotedLength) +
-                   "\" cannot be written to a setting file: it holds a double quote or a line end. "
-                   "Nothing was written to " + fileName_ + ".",
-               kErrorTitle, FieldPosition{fileName_, 0, 0, true});
-    }
+    refuseFile(unwritableReason(text));
     return true;
+}
+
+void fileio::refuseText(std::string_view text, std::string_view why) {
+    if (file_ == nullptr || mode_ == Mode::Append)
+        refuseFile(unwritableText(text, why));
+}
+
+void fileio::refuseFile(const std::string& reason) {
+    if (failed_)
+        return; // said once
+    failed_ = true;
+    pending_.clear();
+    std::string text = reason;
+    text.front() = static_cast<char>(std::toupper(static_cast<unsigned char>(text.front())));
+    report(sink_, text + ". Nothing was written to " + fileName_ + ".", kErrorTitle,
+           FieldPosition{fileName_, 0, 0, true});
 }
 
 void fileio::printStr(std::string& text) {
@@ -526,9 +540,19 @@ bool fileio::fileExists(const std::string& name) {
 void fileio::printComment(std::string_view text) {
     if (refuse(text, true))
         return;
-    write("; ");
-    write(text);
-    write("\r\n");
+    std::string line = "; ";
+    line.reserve(text.size() + 8);
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        line += text[i];
+        if (text[i] != ',')
+            continue;
+        // The field after the comma would be data unless it is empty or a comment itself.
+        const std::size_t next = text.find_first_not_of(" \t", i + 1);
+        if (next != std::string_view::npos && text[next] != ',' && text[next] != ';')
+            line += next == i + 1 ? "; " : ";";
+    }
+    line += "\r\n";
+    write(line);
 }
 
 void fileio::writeFlg(bool value) { write(value ? "True," : "False,"); }

@@ -1,8 +1,8 @@
 #pragma once
 
-// One text file read as a stream of typed fields or written as comment lines and comma-separated typed fields.
-// One object serves one file in one direction: the first access opens the file, for reading or for appending
-// (writing never truncates), and fixes the direction until closeFile.
+// One text file read as a stream of typed fields or written as comment lines and comma-separated typed
+// fields. One object serves one file in one direction: the first access opens the file, for reading or for
+// appending (writing never truncates), and fixes the direction until closeFile.
 //
 // Reading: fields are separated by "," and line ends (CR, LF or CR LF); blanks before a field are skipped; a
 // field that starts with a double quote runs to the next double quote, which may include commas and line
@@ -17,11 +17,12 @@
 // under the title "error"; the failing field is not consumed. A number that does not fit the type asked for
 // throws NumberOutOfRange. Written files have CR LF line ends on every platform.
 //
-// Hostile input: only regular files are opened (a pipe or a device would block or never end); a field longer
-// than kMaxFieldLength, or a read error, is reported and ends the file there. Writing: a text that a setting
-// file cannot hold (a double quote or a line end) is refused with a message naming it, and then nothing of
-// the file is written: the writes are kept until closeFile and written together, so a refused text never
-// leaves half a report behind.
+// Hostile input: only regular files are opened (a pipe or a device would block or never end); a UTF-8
+// byte-order mark at the start of the file is skipped; a field longer than kMaxFieldLength, or a read error,
+// is reported and ends the file there. Writing: a text that a setting file cannot hold (a double quote or a
+// line end) is refused with a message naming it, and then nothing of the file is written: the writes are kept
+// until closeFile and written together, so a refused text never leaves half a report behind. A comment line
+// never yields a data field: a comma in its text that is not followed by ";" gets one (see printComment).
 
 #include "driver/Variant.h"
 #include "storage/Messages.h"
@@ -60,7 +61,7 @@ public:
     // The longest field read; the tool's own fields are a few dozen bytes.
     static constexpr std::size_t kMaxFieldLength = 4 * 1024 * 1024;
     // How much of a field a message quotes.
-    static constexpr std::size_t kQuotedLength = 40;
+    static constexpr std::size_t kQuotedLength = kQuoteLimit;
 
     explicit fileio(MessageSink& sink);
     ~fileio();
@@ -87,6 +88,9 @@ public:
     void writeLng(std::int32_t value);
     void writeCrLf();
     static bool fileExists(const std::string& name);
+    // Writes "; " and the text as one comment line. Every comma of the text that a ";" does not follow
+    // (blanks aside) is followed by "; ", so that no part of a text from the instrument or a catalogue (a
+    // hardware revision "x,%SpindleSpeed,4001") is read back as a data field.
     void printComment(std::string_view text);
     bool readFlg();
     void writeFlg(bool value);
@@ -105,8 +109,14 @@ public:
     // The look-ahead field itself, without consuming it (empty before the file is opened).
     std::string_view token() const { return token_; }
     // True when a text cannot be written as a field (or a comment line) of a setting file and read back as
-    // written: it holds a line end, or a double quote (in a comment line: one that would open a quoted field).
+    // written: it holds a line end, or (a field) a double quote.
     static bool unwritable(std::string_view text, bool comment = false);
+    // Why a text is unwritable, as the messages of the writer and of the reader say it: "the text "PZ\"8"
+    // cannot be written to a setting file: it holds a double quote or a line end".
+    static std::string unwritableReason(std::string_view text);
+    // Refuses a text that the caller found unwritable for its own reason (`why`, a clause "it reads as ..."):
+    // as for a double quote, nothing of the file is written, and the message names the text and the file.
+    void refuseText(std::string_view text, std::string_view why);
 
 private:
     enum class Mode { Read, Append };
@@ -141,6 +151,7 @@ private:
 
     void write(std::string_view text);
     bool refuse(std::string_view text, bool comment = false); // true, said once, when it cannot be written
+    void refuseFile(const std::string& reason);
     void writeFailed();
     void raise(std::string_view text);
     template <class T>

@@ -1,10 +1,19 @@
 #include "storage/modConfigFile.h"
 
+#include "driver/DriverError.h"
+#include "driver/FileName.h"
 #include "storage/NumberText.h"
 #include "storage/Sections.h"
+#include "storage/TemporaryPath.h"
 
 #include <array>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
 #include <ctime>
+#include <filesystem>
+#include <functional>
+#include <random>
 #include <stdexcept>
 
 namespace vss {
@@ -40,6 +49,115 @@ const std::array<GroupDef, 11>& groups() {
          {"%PiezoSerial", "%PiezoCalData", "%PiezoControlData"}, 0},
     }};
     return table;
+}
+
+// The reason a report was not written, and that nothing was.
+std::string nothingWritten(std::string_view reason, const std::string& fileName) {
+    std::string text(reason);
+    if (!text.empty() && text.back() != '.')
+        text += '.';
+    return text + " Nothing was written to " + fileName + ".";
+}
+
+// Passes on the messages of a report written beside its file under the file's own name; a message that the
+// writing failed says that nothing was written.
+class BesideSink : public PositionedMessageSink {
+public:
+    BesideSink(MessageSink& sink, std::string fileName, std::string beside)
+        : sink_(sink), fileName_(std::move(fileName)), beside_(std::move(beside)) {}
+
+    void showAt(std::string_view text, std::string_view title, const FieldPosition& where) override {
+        std::string shown(text);
+        for (auto at = shown.find(beside_); at != std::string::npos;
+             at = shown.find(beside_, at + fileName_.size()))
+            shown.replace(at, beside_.size(), fileName_);
+        FieldPosition position = where;
+        if (position.fileName == beside_)
+            position.fileName = fileName_;
+        if (where.fileFailed && shown.find("Nothing was written") == std::string::npos)
+            shown = nothingWritten(shown, fileName_);
+        report(sink_, shown, title, position);
+    }
+
+private:
+    MessageSink& sink_;
+    std::string fileName_;
+    std::string beside_;
+};
+
+// A new name in the folder of `file`: "." + its name + a random part + ".part".
+std::filesystem::path besideName(const std::filesystem::path& file) {
+    std::random_device random;
+    std::error_code ec;
+    for (;;) {
+        char part[16];
+        std::snprintf(part, sizeof part, "-%08x.part", static_cast<unsigned>(random()));
+        std::filesystem::path beside =
+            file.parent_path() / pathFromUtf8("." + utf8FromPath(file.filename()) + part);
+        if (!std::filesystem::exists(beside, ec))
+            return beside;
+    }
+}
+
+void reportNotWritten(MessageSink& sink, std::string_view reason, const std::string& fileName) {
+    report(sink, nothingWritten(reason, fileName), "", FieldPosition{fileName, 0, 0, true});
+}
+
+// Appends a report to the file, all of it or nothing. The report is written beside the file, after a copy of
+// the file's old content, and takes the file's place only when it is complete: a full disk, a text that
+// cannot be written or a failing driver call leaves the file as it was (or no file), and the message says
+// that nothing was written. A link is written through to its file. A device (the null device, a terminal) is
+// written to directly; what is not a regular file nor a device is refused by the writer.
+void writeReport(const std::string& fileName, MessageSink& sink, const std::function<void(fileio&)>& write) {
+    namespace fs = std::filesystem;
+    std::error_code ec;
+    const fs::path given = pathFromUtf8(fileName);
+    fs::path file = fs::weakly_canonical(given, ec);
+    if (ec)
+        file = given;
+    const fs::file_status status = fs::status(file, ec);
+    if (fileName.empty() || (fs::exists(status) && !fs::is_regular_file(status))) {
+        fileio io(sink);
+        io.setFileName(fileName);
+        write(io);
+        io.closeFile();
+        return;
+    }
+    if (fs::exists(status)) {
+        errno = 0;
+        std::FILE* writable = fopenUtf8(utf8FromPath(file), "ab"); // opening for appending changes nothing
+        if (writable == nullptr) {
+            reportNotWritten(sink, std::strerror(errno != 0 ? errno : EACCES), fileName);
+            return;
+        }
+        std::fclose(writable);
+    }
+    TemporaryPath removed(besideName(file)); // the file beside, unless it takes the file's place
+    const fs::path& beside = removed.path();
+    if (fs::exists(status) && !fs::copy_file(file, beside, ec)) {
+        reportNotWritten(sink, ec.message(), fileName);
+        return;
+    }
+
+    BesideSink besideSink(sink, fileName, utf8FromPath(beside));
+    {
+        fileio io(besideSink);
+        io.setFileName(utf8FromPath(beside));
+        try {
+            write(io);
+        } catch (const DriverError& e) {
+            throw DriverError(nothingWritten(e.description(), fileName), e.code());
+        }
+        io.closeFile();
+        if (io.failed())
+            return;
+    }
+    fs::rename(beside, file, ec);
+    if (ec) {
+        reportNotWritten(sink, ec.message(), fileName);
+        return;
+    }
+    removed.keep();
 }
 
 } // namespace
@@ -115,11 +233,10 @@ int ReadSettingFile(fileio& io, const DriverHandles& handles, int groupCode, Mes
 
 void ExportGroup(SettingGroup group, const std::string& fileName, const DriverHandles& handles, MessageSink& sink,
                  const ReportClock& clock) {
-    fileio io(sink);
-    io.setFileName(fileName);
-    WriteReportHeader(io, handles, clock);
-    writeGroup(io, handles, group);
-    io.closeFile();
+    writeReport(fileName, sink, [&](fileio& io) {
+        WriteReportHeader(io, handles, clock);
+        writeGroup(io, handles, group);
+    });
 }
 
 int ImportGroup(int groupCode, const std::string& fileName, const DriverHandles& handles, MessageSink& sink) {
@@ -132,12 +249,11 @@ int ImportGroup(int groupCode, const std::string& fileName, const DriverHandles&
 
 void exportAllGroups(const std::string& fileName, const DriverHandles& handles, MessageSink& sink,
                      const ReportClock& clock) {
-    fileio io(sink);
-    io.setFileName(fileName);
-    WriteReportHeader(io, handles, clock);
-    for (const GroupDef& g : groups())
-        writeGroup(io, handles, g.group);
-    io.closeFile();
+    writeReport(fileName, sink, [&](fileio& io) {
+        WriteReportHeader(io, handles, clock);
+        for (const GroupDef& g : groups())
+            writeGroup(io, handles, g.group);
+    });
 }
 
 } // namespace vss

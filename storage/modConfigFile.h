@@ -64,14 +64,18 @@ int ReadSettingFile(fileio& io, const DriverHandles& handles, int groupCode, Set
 // The same, sending the values to the instrument.
 int ReadSettingFile(fileio& io, const DriverHandles& handles, int groupCode, MessageSink& sink);
 
-// Appends a report with the group to the file (the file is created when missing).
+// Appends a report with the group to the file (the file is created when missing). The file changes only when
+// the report is complete: a report that cannot be written whole (a full disk, a text a setting file cannot
+// hold, a failing driver call) leaves the file as it was, or no file, and its message or the DriverError
+// thrown says that nothing was written.
 void ExportGroup(SettingGroup group, const std::string& fileName, const DriverHandles& handles, MessageSink& sink,
                  const ReportClock& clock = localDateTime);
 // Reads the file with the group code (1..10) and sends its values to the instrument. Returns how many sections
 // were applied: none when the file holds no section of the group or could not be opened.
 int ImportGroup(int groupCode, const std::string& fileName, const DriverHandles& handles, MessageSink& sink);
 
-// Every group into one report: one header, then each group's title and sections.
+// Every group into one report: one header, then each group's title and sections; all of it or nothing, as
+// above.
 void exportAllGroups(const std::string& fileName, const DriverHandles& handles, MessageSink& sink,
                      const ReportClock& clock = localDateTime);
 

@@ -1,12 +1,16 @@
 #include "storage/modSsDefine.h"
 
+#include "driver/DriverError.h"
 #include "storage/Messages.h"
 #include "storage/NumberText.h"
 #include "storage/fileio.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
+#include <functional>
 #include <limits>
+#include <span>
 #include <stdexcept>
 #include <type_traits>
 #include <variant>
@@ -67,6 +71,25 @@ const KeyDef kKeys[] = {
 };
 
 constexpr std::string_view kDownFace = "SSHEADFACE_DOWNFACE";
+constexpr std::string_view kUpFace = "SSHEADFACE_UPFACE";
+
+// A default that a model takes is kept, as designed, and noted; the note is said when the model is applied.
+// Every key but the name (which ends the list) and the description (never sent) starts out noted as not
+// given.
+std::map<std::string, std::string> keysNotGiven() {
+    std::map<std::string, std::string> notes;
+    for (const KeyDef& def : kKeys) {
+        if (def.key == "Name" || def.key == "Description")
+            continue;
+        const bool text = std::holds_alternative<std::string Def::*>(def.member);
+        notes[std::string(def.key)] = std::string(def.key) + " is not given, " +
+                                      (text       ? "an empty text"
+                                       : def.word ? std::string(kUpFace) + " (0)"
+                                                  : "0") +
+                                      " is used";
+    }
+    return notes;
+}
 
 std::vector<SpinstandDefinition>& table() {
     static std::vector<SpinstandDefinition> definitions;
@@ -100,11 +123,6 @@ private:
     std::string text_;
 };
 
-std::string quoted(std::string_view text) {
-    constexpr std::size_t kShown = 40; // a field of binary junk is shown by its start only
-    return "\"" + std::string(text.substr(0, kShown)) + (text.size() > kShown ? "...\"" : "\"");
-}
-
 // The whole number a field stands for, rounded halves to even; nothing when it is not a number or lies
 // outside lowest..highest.
 template <class T> std::optional<T> wholeNumber(std::string_view text) {
@@ -122,10 +140,11 @@ template <class T> std::optional<T> wholeNumber(std::string_view text) {
 void store(SpinstandDefinition& model, const KeyDef& def, const std::string& value, int index,
            const FieldPosition& at) {
     const auto notNumber = [&](std::string_view type) {
-        return CatalogueProblem{"the value " + quoted(value) + " of " + std::string(def.key) + " for model " +
-                                    std::to_string(index) + " is not " + std::string(type),
+        return CatalogueProblem{"the value " + inQuotes(value) + " of " + std::string(def.key) +
+                                    " for model " + std::to_string(index) + " is not " + std::string(type),
                                 at};
     };
+    model.defaultsUsed.erase(std::string(def.key));
     std::visit(
         [&](auto member) {
             using T = std::remove_reference_t<decltype(model.*member)>;
@@ -138,6 +157,11 @@ void store(SpinstandDefinition& model, const KeyDef& def, const std::string& val
                 model.*member = *number;
             } else if (def.word) {
                 model.*member = value == kDownFace ? 1 : 0;
+                if (value != kDownFace && value != kUpFace)
+                    model.defaultsUsed[std::string(def.key)] = std::string(def.key) + " " + inQuotes(value) +
+                                                               " is neither " + std::string(kDownFace) +
+                                                               " nor " + std::string(kUpFace) + ", " +
+                                                               std::string(kUpFace) + " (0) is used";
             } else if (const std::optional<T> number = wholeNumber<T>(value)) {
                 model.*member = *number;
             } else {
@@ -151,7 +175,7 @@ void store(SpinstandDefinition& model, const KeyDef& def, const std::string& val
 int modelCount(const std::string& text, const FieldPosition& at) {
     const std::optional<double> number = numbertext::parseNumber(text);
     if (!number)
-        throw CatalogueProblem{"its first field, the number of models, is " + quoted(text) + ", not a number",
+        throw CatalogueProblem{"its first field, the number of models, is " + inQuotes(text) + ", not a number",
                                at};
     if (*number < 1 || *number > kMaxCatalogueModels || *number != std::floor(*number))
         throw CatalogueProblem{"the number of models is " + numbertext::formatDouble(*number) +
@@ -183,6 +207,8 @@ std::vector<SpinstandDefinition> readCatalogue(const std::string& fileName, Mess
     const FieldPosition countAt = file.tokenPosition();
     const int count = modelCount(next(), countAt);
     std::vector<SpinstandDefinition> models(static_cast<std::size_t>(count));
+    for (SpinstandDefinition& model : models)
+        model.defaultsUsed = keysNotGiven();
     // An unknown key is said once for each of its values and reading goes on; past a bound the values are
     // only counted, so that a damaged file does not bury the user under messages.
     std::int64_t unknownValues = 0;
@@ -193,14 +219,14 @@ std::vector<SpinstandDefinition> readCatalogue(const std::string& fileName, Mess
         for (int i = 0; i < count; ++i) {
             if (file.pastEnd())
                 throw CatalogueProblem{"the file ends after " + std::to_string(i) + " of the " +
-                                           std::to_string(count) + " values of " + quoted(key),
+                                           std::to_string(count) + " values of " + inQuotes(key),
                                        keyAt};
             const FieldPosition valueAt = file.tokenPosition();
             const std::string value = next();
             if (def != nullptr)
                 store(models[static_cast<std::size_t>(i)], *def, value, i, valueAt);
             else if (++unknownValues <= kMaxUnknownMessages)
-                sink.show(std::string(kUnknownParameter) + printable(key, 40), "");
+                sink.show(std::string(kUnknownParameter) + printable(key, kQuoteLimit), "");
         }
     }
     if (unknownValues > kMaxUnknownMessages)
@@ -212,7 +238,7 @@ std::vector<SpinstandDefinition> readCatalogue(const std::string& fileName, Mess
     if (!file.pastEnd()) {
         const FieldPosition keyAt = file.tokenPosition();
         throw CatalogueProblem{
-            "the file ends after 0 of the " + std::to_string(count) + " values of " + quoted(next()), keyAt};
+            "the file ends after 0 of the " + std::to_string(count) + " values of " + inQuotes(next()), keyAt};
     }
     file.closeFile();
     return models;
@@ -230,7 +256,8 @@ bool ReadSpinstandDefinitions(const std::string& fileName, MessageSink& sink) {
         table() = readCatalogue(fileName, sink);
         return true;
     } catch (const CatalogueProblem& problem) {
-        report(sink, "The spinstand catalogue " + fileName + " cannot be used: " + problem.text + ".", "",
+        const std::string why(clause(problem.text)); // the reader's sentence becomes a clause of this one
+        report(sink, "The spinstand catalogue " + fileName + " cannot be used: " + why + ".", "",
                problem.where);
         return false;
     }
@@ -242,38 +269,212 @@ std::string GetSpinstandName(std::int16_t index) {
     return table()[static_cast<std::size_t>(index)].Name;
 }
 
+namespace {
+
+struct PropertyValue {
+    std::string_view key;
+    Variant value; // with the field's own type: a 16-bit code, a 32-bit number or a double
+};
+
+std::array<PropertyValue, 11> stageProperties(const Def& d) {
+    return {{{"GearInvert", d.GearInvert},
+             {"tStprUp", d.tStprUp},
+             {"tStprDn", d.tStprDn},
+             {"tStprThru", d.tStprThru},
+             {"tBrake", d.tBrake},
+             {"tSettle", d.tSettle},
+             {"tCover", d.tCover},
+             {"tLockdown", d.tLockdown},
+             {"tStopper", d.tStopper},
+             {"tMove", d.tMove},
+             {"tMotorOff", d.tMotorOff}}};
+}
+
+std::array<PropertyValue, 13> spindleProperties(const Def& d) {
+    return {{{"Rotation", d.Rotation},
+             {"BrakeTime", d.BrakeTime},
+             {"RefClock", d.RefClock},
+             {"RefFreq", d.RefFreq},
+             {"ReadyPol", d.ReadyPol},
+             {"IndexDiv", d.IndexDiv},
+             {"Driver", d.Driver},
+             {"PoleNum", d.PoleNum},
+             {"tRdy", d.tRdy},
+             {"tSpindleSet", d.tSpindleSet},
+             {"tSpindleOff", d.tSpindleOff},
+             {"tLock", d.tLock},
+             {"tLockSettle", d.tLockSettle}}};
+}
+
+std::string number(double v) {
+    return numbertext::formatDouble(v);
+}
+
+std::string codesText(const NamedCodes& list) {
+    std::string text;
+    for (const std::int16_t code : list.codes)
+        text += (text.empty() ? "" : ", ") + std::to_string(code);
+    return text;
+}
+
+bool listed(const NamedCodes& list, std::int16_t code) {
+    return std::find(list.codes.begin(), list.codes.end(), code) != list.codes.end();
+}
+
+// The properties of one kind against the instrument's: each must exist, hold the type the model sends, and a
+// code must be one of its choices.
+void checkProperties(IDriverService& service, bool spindle, std::span<const PropertyValue> values,
+                     std::vector<std::string>& problems) {
+    const PropertyList list = spindle ? service.GetSpindlePropertyList() : service.GetStagePropertyList();
+    const std::string family = spindle ? "spindle property " : "stage property ";
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        const auto id = static_cast<std::int16_t>(i);
+        const PropertyValue& v = values[i];
+        const std::string key(v.key);
+        if (std::find(list.ids.begin(), list.ids.end(), id) == list.ids.end()) {
+            problems.push_back(key + " goes to " + family + std::to_string(id) +
+                               ", which the instrument does not have");
+            continue;
+        }
+        const Variant now = spindle ? service.GetSpindleProperty(id) : service.GetStageProperty(id);
+        if (now.type() != v.value.type()) {
+            problems.push_back(key + " is sent as " + Variant::typeName(v.value.type()) +
+                               ", but the instrument's " + family + std::to_string(id) + " holds " +
+                               Variant::typeName(now.type()));
+            continue;
+        }
+        if (v.value.type() != Variant::Type::Int16)
+            continue;
+        const NamedCodes choices =
+            spindle ? service.GetSpindlePropertyChoices(id) : service.GetStagePropertyChoices(id);
+        if (!choices.codes.empty() && !listed(choices, v.value.int16()))
+            problems.push_back(key + " " + std::to_string(v.value.int16()) +
+                               " is not one of the instrument's choices (" + codesText(choices) + ")");
+    }
+}
+
+// What the instrument would refuse of the model, read from its lists; nothing is written.
+std::vector<std::string> modelProblems(const Def& d, IDriverService& service) {
+    std::vector<std::string> problems;
+    const NamedCodes types = service.GetSpinstandTypeList();
+    if (!listed(types, d.SpinstandType))
+        problems.push_back("SpinstandType " + std::to_string(d.SpinstandType) +
+                           " is not one of the instrument's spinstand types (" + codesText(types) + ")");
+    if (!(d.DiskSizeMin <= d.DiskSizeMax))
+        problems.push_back("the disk size range " + number(d.DiskSizeMin) + " to " + number(d.DiskSizeMax) +
+                           " (DiskSizeMin to DiskSizeMax) is reversed");
+    checkProperties(service, false, stageProperties(d), problems);
+    if (d.SpeedMin >= d.SpeedMax)
+        problems.push_back("the speed range " + std::to_string(d.SpeedMin) + " to " +
+                           std::to_string(d.SpeedMax) + " rpm (SpeedMin to SpeedMax) is empty");
+    checkProperties(service, true, spindleProperties(d), problems);
+    return problems;
+}
+
+// One write of a model: the keys it sends, and the call.
+struct Write {
+    std::string keys;
+    std::function<void()> call;
+};
+
+// The writes in the instrument's order. They call the service with the model's values, both of which outlive
+// them.
+std::vector<Write> modelWrites(const Def& model, IDriverService& service) {
+    const Def* d = &model;
+    IDriverService* s = &service;
+    std::vector<Write> writes{
+        {"HardwareRevision", [d, s] { s->SetHardwareRevision(d->HardwareRevision); }},
+        {"SpinstandType", [d, s] { s->SetSpinstandType(d->SpinstandType); }},
+        {"HeadFace", [d, s] { s->SetHeadFace(d->HeadFace); }},
+        {"DiskSizeMin and DiskSizeMax", [d, s] { s->SetDiskSizeRange(d->DiskSizeMin, d->DiskSizeMax); }},
+    };
+    const auto properties = [&](const auto& values,
+                                void (IDriverService::*set)(std::int16_t, const Variant&)) {
+        for (std::size_t i = 0; i < values.size(); ++i)
+            writes.push_back(
+                {std::string(values[i].key), [s, set, id = static_cast<std::int16_t>(i),
+                                              value = values[i].value] { (s->*set)(id, value); }});
+    };
+    properties(stageProperties(model), &IDriverService::SetStageProperty);
+    writes.push_back({"SpeedMin and SpeedMax", [d, s] { s->SetSpeedRange(d->SpeedMin, d->SpeedMax); }});
+    properties(spindleProperties(model), &IDriverService::SetSpindleProperty);
+    // The outer stopper is written before the inner one.
+    writes.push_back({"StopperOuter", [d, s] { s->SetStopperPosition(1, d->StopperOuter); }});
+    writes.push_back({"StopperInner", [d, s] { s->SetStopperPosition(0, d->StopperInner); }});
+    writes.push_back({"Stage2Spindle", [d, s] { s->SetStageGeometry(0, d->Stage2Spindle); }});
+    writes.push_back({"Stage2Ref", [d, s] { s->SetStageGeometry(1, d->Stage2Ref); }});
+    writes.push_back({"StageOffset", [d, s] { s->SetStageGeometry(2, d->StageOffset); }});
+    return writes;
+}
+
+std::string keysOf(const std::vector<Write>& writes, std::size_t from, std::size_t to) {
+    std::string keys;
+    for (std::size_t i = from; i < to; ++i)
+        keys += (keys.empty() ? "" : ", ") + writes[i].keys;
+    return keys;
+}
+
+// A failed driver call, with the driver's text and what of the model it left written (writes before
+// `failed`).
+DriverError leftInPart(const DriverError& e, const std::string& model, const std::vector<Write>& writes,
+                       std::size_t failed) {
+    std::string text = e.description();
+    if (!text.empty() && text.back() != '.')
+        text += '.';
+    if (failed == 0)
+        text += " Nothing of " + model + " was written.";
+    else if (failed >= writes.size())
+        text += " Every value of " + model + " was written; its spindle driver was not compared.";
+    else
+        text += " The " + model + " is applied in part: written " + keysOf(writes, 0, failed) + "; refused " +
+                writes[failed].keys + "; not written " + keysOf(writes, failed + 1, writes.size()) + ".";
+    return DriverError(text, e.code());
+}
+
+} // namespace
+
 bool ApplySpinstandDefinition(std::int16_t index, IDriverService& service, MessageSink& sink) {
     if (index < 0 || static_cast<std::size_t>(index) >= table().size())
         throw std::out_of_range("The spinstand catalogue has no model " + std::to_string(index) + ".");
     const SpinstandDefinition& d = table()[static_cast<std::size_t>(index)];
+    const std::string model = "model " + std::to_string(index) + " " + inQuotes(d.Name);
 
-    service.SetHardwareRevision(d.HardwareRevision);
-    service.SetSpinstandType(d.SpinstandType);
-    service.SetHeadFace(d.HeadFace);
-    service.SetDiskSizeRange(d.DiskSizeMin, d.DiskSizeMax);
-    // Each property goes with its own type: a 16-bit code, a 32-bit number or a double.
-    const std::array<Variant, 11> stage{d.GearInvert, d.tStprUp, d.tStprDn,  d.tStprThru,
-                                        d.tBrake,     d.tSettle, d.tCover,   d.tLockdown,
-                                        d.tStopper,   d.tMove,   d.tMotorOff};
-    for (std::size_t i = 0; i < stage.size(); ++i)
-        service.SetStageProperty(static_cast<std::int16_t>(i), stage[i]);
-    service.SetSpeedRange(d.SpeedMin, d.SpeedMax);
-    const std::array<Variant, 13> spindle{d.Rotation,    d.BrakeTime, d.RefClock,   d.RefFreq, d.ReadyPol,
-                                          d.IndexDiv,    d.Driver,    d.PoleNum,    d.tRdy,    d.tSpindleSet,
-                                          d.tSpindleOff, d.tLock,     d.tLockSettle};
-    for (std::size_t i = 0; i < spindle.size(); ++i)
-        service.SetSpindleProperty(static_cast<std::int16_t>(i), spindle[i]);
-    // The outer stopper is written before the inner one.
-    service.SetStopperPosition(1, d.StopperOuter);
-    service.SetStopperPosition(0, d.StopperInner);
-    service.SetStageGeometry(0, d.Stage2Spindle);
-    service.SetStageGeometry(1, d.Stage2Ref);
-    service.SetStageGeometry(2, d.StageOffset);
+    // The catalogue's defaults stay as designed, and the user learns which a model takes, in one message.
+    std::string defaults;
+    for (const KeyDef& def : kKeys)
+        if (const auto note = d.defaultsUsed.find(std::string(def.key)); note != d.defaultsUsed.end())
+            defaults += (defaults.empty() ? "" : "; ") + note->second;
+    if (!defaults.empty())
+        sink.show("Warning : The " + model + " takes defaults: " + defaults + ".", "");
 
-    // The spindle driver is fitted at the factory: a model that expects another one is only warned about.
-    if (service.GetSpindleDriver(0).equals(Variant(d.DriverRot)) &&
-        service.GetSpindleDriver(1).equals(Variant(d.DriverType)))
-        return true;
+    // A model is written whole or not at all where the instrument's lists can tell: every problem is found
+    // before the first write.
+    const std::vector<Write> writes = modelWrites(d, service);
+    std::vector<std::string> problems;
+    try {
+        problems = modelProblems(d, service);
+    } catch (const DriverError& e) {
+        throw leftInPart(e, model, writes, 0);
+    }
+    if (!problems.empty()) {
+        std::string text = "The " + model + " cannot be applied: ";
+        for (std::size_t i = 0; i < problems.size(); ++i)
+            text += (i > 0 ? "; " : "") + problems[i];
+        throw std::runtime_error(text + ". Nothing was written.");
+    }
+
+    // A value the instrument still refuses stops the rest, and the message says what was written.
+    std::size_t done = 0;
+    try {
+        for (; done < writes.size(); ++done)
+            writes[done].call();
+        // The spindle driver is fitted at the factory: a model that expects another one is only warned about.
+        if (service.GetSpindleDriver(0).equals(Variant(d.DriverRot)) &&
+            service.GetSpindleDriver(1).equals(Variant(d.DriverType)))
+            return true;
+    } catch (const DriverError& e) {
+        throw leftInPart(e, model, writes, done);
+    }
     sink.show(kInvalidSpindleDriver, "");
     return false;
 }

@@ -13,11 +13,18 @@
 // kMaxCatalogueModels, a value that is not a number or does not fit its field, a record cut short by the end
 // of the file, too many unknown values) is reported once, naming the file and what is wrong, and leaves the
 // table empty: a model is never half read.
+//
+// Applying a model writes it whole or says what it left: the model is checked against the instrument's lists
+// before its first write, and a value the instrument still refuses names what was written and what was not.
+// The defaults a model takes (a key the file does not give, a head face word that is neither face) are kept
+// as designed and warned about each time the model is applied, in one message naming the keys and the values
+// used.
 
 #include "driver/Interfaces.h"
 #include "storage/MessageSink.h"
 
 #include <cstdint>
+#include <map>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -75,6 +82,8 @@ struct SpinstandDefinition {
     double Stage2Spindle = 0;
     double Stage2Ref = 0;
     double StageOffset = 0;
+    // The keys whose default the model takes, each with its note ("tStprUp is not given, 0 is used").
+    std::map<std::string, std::string> defaultsUsed;
 
     friend bool operator==(const SpinstandDefinition&, const SpinstandDefinition&) = default;
 };
@@ -91,8 +100,12 @@ std::string GetSpinstandName(std::int16_t index);
 
 // Writes the entry to the instrument's working settings, in the instrument's order, and checks the spindle
 // driver it reports against the model; a mismatch shows kInvalidSpindleDriver after every value has been
-// written. A failing driver call throws and stops the rest. Returns whether the spindle driver matched.
-// Throws std::out_of_range for an index outside the table.
+// written. Returns whether the spindle driver matched. Before anything is written, a model that takes
+// defaults is warned about (a message beginning "Warning : ") and the model is checked whole against its own
+// ranges and the instrument's lists (spinstand types, the properties' types and choices): a model that would
+// be refused throws std::runtime_error naming every problem, and nothing is written. A failing driver call
+// throws a DriverError with the driver's text that names the values written and those not written, and stops
+// the rest. Throws std::out_of_range for an index outside the table.
 bool ApplySpinstandDefinition(std::int16_t index, IDriverService& service, MessageSink& sink);
 
 } // namespace vss

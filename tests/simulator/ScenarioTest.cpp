@@ -63,6 +63,10 @@ TEST(Scenario, AWrongLineIsRefusedWithTheFileTheLineAndWhatIsWrong) {
         {"after 2s: open interlock", "unknown action \"open\""},
         {"after 2s: clear all now", "unexpected \"now\""},
         {"after 2s:", "the line ends where an action"},
+        // A piece of the line is quoted escaped and cut short.
+        {"after 2s: set \x1b[2J\x9b on", "unknown input \"\\x1B[2J\\x9B\": the inputs"},
+        {"after 2s: set " + std::string(5000, 'd') + " on",
+         "unknown input \"" + std::string(80, 'd') + "...\": the"},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.line);
@@ -75,7 +79,7 @@ TEST(Scenario, AWrongLineIsRefusedWithTheFileTheLineAndWhatIsWrong) {
 
 TEST(Scenario, EveryTriggerAndActionIsReadAsWritten) {
     const sim::Scenario s = sim::parseScenario(
-        "# comment\r\n"
+        "\xEF\xBB\xBF# comment after a byte-order mark\r\n"
         "\n"
         "  after 2.5s: set outer-cover on\r\n"
         "when IDriver.Load: fail IDriver.Load 2 times \"Load \\\"timed\\\" out\"\n"
@@ -180,6 +184,19 @@ TEST(ScenarioFactory, ARealDriverTakesNoScenarioAndHasNoSimulatedInstrument) {
     options.forceSimulator = true; // --simulate: the simulator plays it, and a missing file is refused
     EXPECT_THROW(simulatedInstrument(options), DriverError);
     setPlatformResolver(nullptr);
+}
+
+TEST(ScenarioFactory, AFolderIsNoScenario) {
+    const std::filesystem::path folder = std::filesystem::temp_directory_path() / "vss-scenario-folder";
+    std::filesystem::create_directories(folder);
+    try {
+        sim::readScenario(folder.string());
+        ADD_FAILURE() << "a folder ran as a scenario without steps";
+    } catch (const DriverError& e) {
+        EXPECT_EQ(e.description(), "The scenario file " + folder.string() +
+                                       " is not a regular file: name a file of scenario steps.");
+    }
+    std::filesystem::remove(folder);
 }
 
 TEST(ScenarioFactory, TheSimulatorStartsTheOptionsScenarioOnce) {

@@ -5,10 +5,18 @@
 
 #include "simulator/Settings.h"
 
+#include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <functional>
 #include <sstream>
+#include <utility>
+
+#ifndef _WIN32
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#endif
 
 namespace vss::test {
 namespace {
@@ -143,6 +151,27 @@ TEST(SettingsText, ReportsTheLineOfWhatIsWrong) {
               lineOf("[SpindleProperty]"));
 }
 
+// Measurement settings that the instrument's operations refuse (a NaN pitch once made the head position an
+// undefined conversion) make a working-values file damaged.
+TEST(SettingsText, WorkingValuesTheInstrumentWouldRefuseAreDamaged) {
+    const std::string good = sim::writeWorkingValues({sim::Settings::factory(), {}});
+    const std::vector<std::pair<std::string, std::string>> damages{
+        {"Pitch = 5.6e-07", "Pitch = nan"},
+        {"Pitch = 5.6e-07", "Pitch = 0"},
+        {"InnerRadius = 0.012", "InnerRadius = inf"},
+        {"LoadSkew = 9.91e+37", "LoadSkew = -nan"},
+        {"UnloadRadius = 0.045", "UnloadRadius = nan"},
+        {"HomeState = 1", "HomeState = 3"},
+        {"LoadMethod = 0", "LoadMethod = 7"},
+        {"UnloadRpm = 7200", "UnloadRpm = -7"},
+    };
+    for (const auto& [from, to] : damages) {
+        std::string text = good;
+        text.replace(text.find(from), from.size(), to);
+        EXPECT_THROW(sim::readWorkingValues(text), sim::SettingsError) << to;
+    }
+}
+
 // An instrument whose memory lives in a file of a fresh temporary folder.
 class SimMemoryFile : public ::testing::Test {
 protected:
@@ -206,19 +235,187 @@ TEST_F(SimMemoryFile, WorkingValuesOfEveryGroupPassToTheNextProgramUntilAPowerCy
     EXPECT_FALSE(fs::exists(path + ".tmp"));
 }
 
-TEST_F(SimMemoryFile, TwoProgramsSavingDifferentGroupsKeepEachOthersSaves) {
-    Program one(path);
-    Program two(path);
-    one.h.service->SetSerialNumber("SN-1");
-    two.h.service->SetStopperPosition(0, 10.5);
-    one.h.service->SaveVersionData();
-    two.h.service->SaveCustomerConfiguration();
-    two.h.service->RecallVersionData(); // what the other program saved is the instrument's memory now
-    EXPECT_EQ(two.h.service->GetSerialNumber(), "SN-1");
+#ifndef _WIN32
+// Another program on the same instrument: `program` runs in a child process, which keeps what it left open until
+// the object goes and then ends without closing anything, as an interrupted program does. With `fileLimit` the
+// child writes no file past that many bytes, as on a full disk.
+class OtherProgram {
+public:
+    explicit OtherProgram(const std::function<std::string()>& program, rlim_t fileLimit = 0) {
+        int said[2] = {-1, -1};
+        int go[2] = {-1, -1};
+        if (::pipe(said) != 0 || ::pipe(go) != 0)
+            throw std::runtime_error("no pipe for the other program");
+        pid_ = ::fork();
+        if (pid_ == 0) {
+            ::close(said[0]);
+            ::close(go[1]);
+            if (fileLimit > 0) {
+                std::signal(SIGXFSZ, SIG_IGN);
+                const rlimit limit{fileLimit, fileLimit};
+                ::setrlimit(RLIMIT_FSIZE, &limit);
+            }
+            std::string text;
+            try {
+                text = program();
+            } catch (const std::exception& e) {
+                text = std::string("threw: ") + e.what();
+            }
+            [[maybe_unused]] const ssize_t written = ::write(said[1], text.data(), text.size());
+            ::close(said[1]);
+            char c = 0;
+            while (::read(go[0], &c, 1) > 0) {
+            }
+            ::_exit(0);
+        }
+        ::close(said[1]);
+        ::close(go[0]);
+        go_ = go[1];
+        char buffer[512];
+        for (ssize_t n = 0; (n = ::read(said[0], buffer, sizeof buffer)) > 0;)
+            said_.append(buffer, static_cast<std::size_t>(n));
+        ::close(said[0]);
+    }
+    ~OtherProgram() { end(); }
+    void end() {
+        if (go_ < 0)
+            return;
+        ::close(go_);
+        go_ = -1;
+        ::waitpid(pid_, nullptr, 0);
+    }
+    const std::string& said() const { return said_; }
+    pid_t pid() const { return pid_; }
 
-    Program third(path, true);
-    EXPECT_EQ(third.h.service->GetSerialNumber(), "SN-1");
-    EXPECT_EQ(third.h.service->GetStopperPosition(0), 10.5);
+private:
+    pid_t pid_ = -1;
+    int go_ = -1;
+    std::string said_;
+};
+
+// One program at a time: a second one is refused with the name of the first, and takes the instrument as the
+// first left it, although that one ended without closing its session.
+TEST_F(SimMemoryFile, ASecondProgramIsRefusedUntilTheFirstEndsAndThenFindsItsWork) {
+    OtherProgram first([&] {
+        auto* holds = new Program(path); // never closed
+        holds->h.service->SetSerialNumber("SN-first");
+        holds->h.service->SaveVersionData();
+        holds->h.service->SetBacklashCompensation(4, 99);
+        return std::string();
+    });
+    ASSERT_EQ(first.said(), "");
+    sim::SimInstrument second(sim::SimOptions{path, false, true});
+    auto h = queryAll(*second.createObject());
+    const std::string refused = failure([&] { h.driver->Open("QTB::R2208C"); });
+    EXPECT_NE(refused.find("in use by simulator_tests (process " + std::to_string(first.pid()) + ")"),
+              std::string::npos)
+        << refused;
+    EXPECT_THROW(second.resetNonVolatileMemory(), DriverError) << "the front panel's reset is refused too";
+
+    first.end();
+    h.driver->Open("QTB::R2208C");
+    EXPECT_EQ(h.service->GetBacklashCompensation(4), 99);
+    h.service->SetSerialNumber("SN-second");
+    h.service->RecallVersionData();
+    EXPECT_EQ(h.service->GetSerialNumber(), "SN-first");
+}
+
+// A program that keeps its instrument between sessions (the window program) takes, at each Open, the working
+// values and the memory as the program before it left them, and writes over neither.
+TEST_F(SimMemoryFile, EachSessionTakesTheFilesAsTheyStand) {
+    Program window(path);
+    window.h.service->SetStopperPosition(0, 10.5);
+    window.h.driver->Close();
+    OtherProgram([&] {
+        Program other(path);
+        other.h.service->SetSerialNumber("SN-other");
+        other.h.service->SaveVersionData();
+        other.h.service->SetHardwareRevision("unsaved");
+        return std::string();
+    });
+    window.h.driver->Open("QTB::R2208C");
+    EXPECT_EQ(window.h.service->GetHardwareRevision(), "unsaved");
+    EXPECT_EQ(window.h.service->GetStopperPosition(0), 10.5);
+    window.h.service->RecallVersionData();
+    EXPECT_EQ(window.h.service->GetSerialNumber(), "SN-other");
+}
+
+// On a full disk a change fails its call with the file and the reason, and is undone; a save fails the same
+// way and leaves the memory file as it was; no temporary file is left behind.
+TEST_F(SimMemoryFile, AWriteThatFailsFailsItsCallAndLeavesNoTemporaryFile) {
+    { Program(path).h.service->SaveVersionData(); }
+    const std::string saved = fileText();
+    const OtherProgram full(
+        [&] {
+            Program p(path);
+            return failure([&] { p.h.service->SetBacklashCompensation(4, 99); }) + "\n" +
+                   std::to_string(p.h.service->GetBacklashCompensation(4)) + "\n" +
+                   failure([&] { p.h.service->SaveVersionData(); });
+        },
+        512);
+    const std::string working = path + ".working";
+    const std::string factory = std::to_string(sim::Settings::factory().backlash.values[4]);
+    EXPECT_EQ(full.said(),
+              "The simulator cannot write its working values file " + working +
+                  ": File too large. The instrument keeps the values it had before this call.\n" + factory +
+                  "\nThe simulator cannot write its memory file " + path + ": File too large.");
+    EXPECT_EQ(fileText(), saved);
+    for (const auto& entry : fs::directory_iterator(dir))
+        EXPECT_NE(entry.path().extension(), ".tmp") << entry.path();
+    EXPECT_EQ(std::to_string(Program(path).h.service->GetBacklashCompensation(4)), factory);
+}
+#endif
+
+// A read-only memory file is never replaced; a link is written through, and every path to one file shares the
+// instrument's lock.
+TEST_F(SimMemoryFile, AReadOnlyFileIsRefusedAndALinkIsWrittenThrough) {
+    { Program(path).h.service->SaveVersionData(); }
+    fs::permissions(path, fs::perms::owner_read);
+    {
+        Program p(path);
+        p.h.service->SetSerialNumber("SN-9");
+        EXPECT_NE(failure([&] { p.h.service->SaveVersionData(); }).find(path + " is read-only"),
+                  std::string::npos);
+    }
+    EXPECT_EQ(fs::status(path).permissions(), fs::perms::owner_read);
+    EXPECT_EQ(fileText().find("SN-9"), std::string::npos);
+
+    fs::permissions(path, fs::perms::owner_read | fs::perms::owner_write);
+    const std::string link = (dir / "link.txt").string();
+    fs::create_symlink(path, link);
+    Program throughLink(link);
+    throughLink.h.service->SaveVersionData();
+    EXPECT_TRUE(fs::is_symlink(link));
+    EXPECT_NE(fileText().find("SN-9"), std::string::npos);
+    sim::SimInstrument direct(sim::SimOptions{path, false, true});
+    EXPECT_NE(
+        failure([&] { queryAll(*direct.createObject()).driver->Open("QTB::R2208C"); }).find("in use by"),
+        std::string::npos);
+}
+
+// A file that is no memory file, or working values that cannot be read, are refused with a plain message
+// rather than taken as factory values or read into memory whole.
+TEST_F(SimMemoryFile, FilesThatCannotBeTakenAreRefusedInPlainWords) {
+    const struct {
+        std::string file;
+        std::uintmax_t size; // of zero bytes, beyond the text
+        std::string text, said;
+    } cases[] = {
+        {"memory.txt", 0, "", "memory.txt is empty"},
+        {"memory.txt", 64u << 20, "", "memory.txt is 67108864 bytes long"},
+        {"memory.txt.working", 0, "garbage\n", "memory.txt.working is damaged at line 1"},
+    };
+    for (const auto& c : cases) {
+        fs::remove_all(dir);
+        fs::create_directories(dir);
+        std::ofstream(dir / c.file, std::ios::binary) << c.text;
+        if (c.size > 0)
+            fs::resize_file(dir / c.file, c.size);
+        sim::SimInstrument instrument(sim::SimOptions{path, false, true});
+        const std::string refused =
+            failure([&] { queryAll(*instrument.createObject()).driver->Open("QTB::R2208C"); });
+        EXPECT_NE(refused.find(c.said), std::string::npos) << refused;
+    }
 }
 
 TEST_F(SimMemoryFile, AFileCutShortIsReportedAndNeverSavedOver) {

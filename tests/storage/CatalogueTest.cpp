@@ -6,6 +6,8 @@
 #include "storage/modSsDefine.h"
 #include "tests/storage/StorageTestSupport.h"
 
+#include <algorithm>
+
 namespace vss {
 namespace {
 
@@ -126,6 +128,14 @@ protected:
     }
     IDriverService& service() { return *handles_.service; }
     Lines trace() { return instrument_.trace().lines(); }
+    // What reached the instrument: the writes and the spindle driver checks after them.
+    Lines writes() {
+        Lines out;
+        for (const std::string& line : trace())
+            if (line.starts_with("IDriverService.Set") || line.starts_with("IDriverService.GetSpindleDriver"))
+                out.push_back(line);
+        return out;
+    }
 
     sim::SimInstrument instrument_;
 
@@ -138,7 +148,8 @@ private:
 // counter-clockwise one.
 const std::string kModels =
     "3\nName,First,Second,Third\nHardwareRevision,R-1,R-2,R-3\nSpinstandType,2,1,0\n"
-    "HeadFace,SSHEADFACE_UPFACE,SSHEADFACE_DOWNFACE,x\nDiskSizeMin,0.02,0.03,0.03\nDiskSizeMax,0.04,0.045,0."
+    "HeadFace,SSHEADFACE_UPFACE,SSHEADFACE_DOWNFACE,SSHEADFACE_UPFACE\nDiskSizeMin,0.02,0.03,0."
+    "03\nDiskSizeMax,0.04,0.045,0."
     "045\n"
     "GearInvert,1,0,0\ntStprUp,201,0,0\ntStprDn,202,0,0\ntStprThru,203,0,0\ntBrake,204,0,0\ntSettle,205,0,0\n"
     "tCover,206,0,0\ntLockdown,207,0,0\ntStopper,208,0,0\ntMove,209,0,0\ntMotorOff,210,0,0\n"
@@ -169,7 +180,7 @@ TEST_F(ApplyingAModel, WritesEveryValueWithItsOwnTypeInTheInstrumentsOrder) {
                      "GetSpindleDriver(0) -> (Integer)0", "GetSpindleDriver(1) -> (Integer)0"});
     for (std::string& line : expected)
         line = "IDriverService." + line;
-    EXPECT_EQ(trace(), expected);
+    EXPECT_EQ(writes(), expected);
     EXPECT_TRUE(sink.messages.empty());
 }
 
@@ -182,11 +193,71 @@ TEST_F(ApplyingAModel, ADifferentSpindleDriverIsWarnedAboutAfterEveryValueAndAFa
     EXPECT_EQ(sink.texts(), Lines(2, "Warning : Invalid Spindle Driver."));
     EXPECT_EQ(service().GetStageGeometry(0), 79.0) << "what was written stays written";
 
+    // A refusal the instrument's lists could not foretell names what was written and what was not.
     instrument_.failOperation("IDriverService.SetSpeedRange", "The speed range is locked.");
-    EXPECT_THROW(apply(0), DriverError);
+    try {
+        apply(0);
+        ADD_FAILURE() << "the refusal was not passed on";
+    } catch (const DriverError& e) {
+        EXPECT_EQ(e.description(),
+                  "The speed range is locked. The model 0 \"First\" is applied in part: written "
+                  "HardwareRevision, SpinstandType, HeadFace, DiskSizeMin and DiskSizeMax, "
+                  "GearInvert, tStprUp, tStprDn, tStprThru, tBrake, tSettle, tCover, tLockdown, "
+                  "tStopper, tMove, tMotorOff; refused SpeedMin and SpeedMax; not written Rotation, "
+                  "BrakeTime, RefClock, RefFreq, ReadyPol, IndexDiv, Driver, PoleNum, tRdy, "
+                  "tSpindleSet, tSpindleOff, tLock, tLockSettle, StopperOuter, StopperInner, "
+                  "Stage2Spindle, Stage2Ref, StageOffset.");
+    }
     EXPECT_EQ(trace().back(), "IDriverService.SetSpeedRange(3000, 12000) !! The speed range is locked.");
     EXPECT_THROW(apply(3), std::out_of_range);
     EXPECT_TRUE(trace().empty());
+}
+
+// Every problem that the instrument's lists and the model's own ranges show is found before the first write.
+TEST_F(ApplyingAModel, AModelTheInstrumentWouldRefuseIsRefusedWholeBeforeAnyWrite) {
+    std::string models = kModels;
+    for (const auto& [from, to] :
+         {std::pair<std::string, std::string>{"SpinstandType,2,", "SpinstandType,7,"},
+          {"GearInvert,1,", "GearInvert,5,"},
+          {"DiskSizeMin,0.02,", "DiskSizeMin,0.05,"},
+          {"SpeedMax,12000,", "SpeedMax,3000,"}})
+        models.replace(models.find(from), from.size(), to);
+    ASSERT_TRUE(read(models));
+    try {
+        apply(0);
+        ADD_FAILURE() << "a model with an empty speed range was applied";
+    } catch (const std::runtime_error& e) {
+        const std::string text = e.what();
+        for (const char* problem :
+             {"The model 0 \"First\" cannot be applied: SpinstandType 7 is not one of the instrument's "
+              "spinstand types",
+              "the disk size range 0.05 to 0.04 (DiskSizeMin to DiskSizeMax) is reversed",
+              "GearInvert 5 is not one of the instrument's choices (0, 1)",
+              "the speed range 3000 to 3000 rpm (SpeedMin to SpeedMax) is empty", ". Nothing was written."})
+            EXPECT_NE(text.find(problem), std::string::npos) << problem << " in " << text;
+    }
+    EXPECT_EQ(writes(), Lines{});
+}
+
+// The defaults of the design stay; each model that takes one says so once, naming the keys and the values
+// used.
+TEST_F(ApplyingAModel, DefaultsAreKeptAndWarnedAboutOncePerModel) {
+    std::string models = kModels;
+    models.erase(models.find("tStprUp,201,0,0\n"), 16);
+    models.replace(models.find("HeadFace,SSHEADFACE_UPFACE,"), 27, "HeadFace,sideways,");
+    ASSERT_TRUE(read(models));
+    apply(0);
+    const Lines written = writes();
+    EXPECT_NE(std::find(written.begin(), written.end(), "IDriverService.SetHeadFace(0)"), written.end());
+    EXPECT_NE(std::find(written.begin(), written.end(), "IDriverService.SetStageProperty(1, (Long)0)"),
+              written.end());
+    apply(1);
+    EXPECT_EQ(sink.texts(),
+              (Lines{"Warning : The model 0 \"First\" takes defaults: HeadFace \"sideways\" is neither "
+                     "SSHEADFACE_DOWNFACE nor SSHEADFACE_UPFACE, SSHEADFACE_UPFACE (0) is used; tStprUp is "
+                     "not given, 0 is used.",
+                     "Warning : The model 1 \"Second\" takes defaults: tStprUp is not given, 0 is used.",
+                     "Warning : Invalid Spindle Driver."}));
 }
 
 } // namespace

@@ -88,13 +88,28 @@ TEST_F(ConfigRestore, AWriteRefusedPartWayNamesTheValueWhatWasAppliedAndHowToGoB
     EXPECT_EQ(test::readBytes(path("trace.txt")).find(".Save"), std::string::npos);
 }
 
+// What a restore shows and checks is what it writes: the file rewritten while the user reads the changes
+// changes nothing of the restore.
+TEST_F(ConfigRestore, AFileRewrittenBeforeTheAnswerIsNotWhatIsApplied) {
+    prepareInstrumentA();
+    const std::string shown = editedBackup("shown.csv", {});
+    const ToolRun r =
+        runAnswering("--sim-state " + path("b.txt") + " restore " + path("backup.csv"), "y\n", [&] {
+            editedBackup("backup.csv", {{"%SpindleSpeed\r\n5400,", "%SpindleSpeed\r\n3800,"}});
+        });
+    EXPECT_EQ(r.exitCode, 0) << r.err;
+    const ToolRun same = run("--sim-state " + path("b.txt") + " --quiet diff " + shown);
+    EXPECT_EQ(same.out, "") << "the values shown were applied";
+}
+
 TEST_F(ConfigRestore, TextsFromTheFileAreEscapedAndMessagesCarryOnePrefix) {
-    // A quoted text with a line end and an escape sequence cannot forge a line of the diff.
+    // A quoted text with a line end and an escape sequence cannot forge a line of the diff, nor of the
+    // message that refuses it.
     const std::string forged = write("forged.csv", "%PiezoSerial\r\n\"PZ\nfile 7: \x1b[2J\",\r\n");
     const ToolRun diff = run("--sim-state " + path("a.txt") + " --quiet diff " + forged);
     EXPECT_EQ(diff.exitCode, 1);
-    EXPECT_EQ(test::lineCount(diff.out), 1) << diff.out;
-    EXPECT_NE(diff.out.find("file \"PZ\\nfile 7: \\x1B[2J\"\n"), std::string::npos) << diff.out;
+    EXPECT_EQ(test::lineCount(diff.err), 2) << diff.err; // the refusal, and that the file has faults
+    EXPECT_NE(diff.err.find("\"PZ\\nfile 7: \\x1B[2J\""), std::string::npos) << diff.err;
 
     const ToolRun bad = run("--sim-state " + path("a.txt") + " import spinstand " +
                             write("bad.csv", "%SpinstandType\r\nmany,\r\n"));

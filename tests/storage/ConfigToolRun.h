@@ -5,11 +5,16 @@
 #include "tests/storage/StorageTestSupport.h"
 
 #include <algorithm>
+#include <chrono>
+#include <cstdio>
 #include <cstdlib>
+#include <filesystem>
+#include <functional>
 #include <initializer_list>
 #include <string>
-#include <utility>
 #include <sys/wait.h>
+#include <thread>
+#include <utility>
 
 #ifndef VSS_CONFIG_TOOL
 #error "VSS_CONFIG_TOOL names the built vsstool-config"
@@ -29,12 +34,39 @@ protected:
     ToolRun run(const std::string& arguments, const std::string& input = "") {
         return runBare("--simulate " + arguments, input);
     }
-    // The tool with exactly these arguments.
-    ToolRun runBare(const std::string& arguments, const std::string& input = "") {
+    // The tool with exactly these arguments, after the shell commands `before`. A run that hangs is ended
+    // after a minute (exit code 124). The simulator's default memory file lies in the test's folder: tests
+    // that run side by side would otherwise share one instrument, which one program at a time holds.
+    ToolRun runBare(const std::string& arguments, const std::string& input = "",
+                    const std::string& before = "") {
         const std::string in = dir_.write("stdin.txt", input);
-        const std::string command = std::string(VSS_CONFIG_TOOL) + " " + arguments + " <" + in + " >" +
+        const std::string command = "(" + before + "XDG_DATA_HOME=" + dir_.path("data") + " timeout 60 " +
+                                    std::string(VSS_CONFIG_TOOL) + " " + arguments + ") <" + in + " >" +
                                     dir_.path("out.txt") + " 2>" + dir_.path("err.txt");
-        const int status = std::system(command.c_str());
+        return finished(std::system(command.c_str()));
+    }
+    // The tool on a disk that takes no file beyond `blocks` blocks of 512 bytes: a write past that fails with
+    // "File too large", as one onto a full disk fails, and the program goes on.
+    ToolRun runOnFullDisk(const std::string& arguments, int blocks) {
+        return runBare("--simulate " + arguments, "",
+                       "trap '' XFSZ; ulimit -f " + std::to_string(blocks) + "; ");
+    }
+    // The tool with its answer to the prompt typed only after `meanwhile` has run, once the prompt is shown.
+    ToolRun runAnswering(const std::string& arguments, const std::string& answer,
+                         const std::function<void()>& meanwhile) {
+        std::filesystem::remove(dir_.path("out.txt"));
+        const std::string command = "XDG_DATA_HOME=" + dir_.path("data") + " timeout 60 " +
+                                    std::string(VSS_CONFIG_TOOL) + " --simulate " + arguments + " >" +
+                                    dir_.path("out.txt") + " 2>" + dir_.path("err.txt");
+        std::FILE* tool = popen(command.c_str(), "w");
+        for (int waited = 0;
+             waited < 1000 && readBytes(dir_.path("out.txt")).find("[y/N] ") == std::string::npos; ++waited)
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        meanwhile();
+        std::fputs(answer.c_str(), tool);
+        return finished(pclose(tool));
+    }
+    ToolRun finished(int status) const {
         return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, readBytes(dir_.path("out.txt")),
                 readBytes(dir_.path("err.txt"))};
     }

@@ -2,7 +2,9 @@
 
 #include "tests/storage/ConfigToolRun.h"
 
+#include <filesystem>
 #include <sstream>
+#include <sys/stat.h>
 
 namespace vss {
 namespace {
@@ -151,7 +153,7 @@ TEST_F(ConfigTool, ModelsListsTheCatalogueAndApplyModelWritesAModelThatOnlySaveA
     EXPECT_EQ(hardwareAfter("apply-model 2 save all"), "1 R2208K-A");
     EXPECT_EQ(hardwareAfter("--power-cycle"), "0 R2208K-A");
     const ToolRun warned = run(a + " apply-model 1");
-    EXPECT_EQ(warned.err, "error: Warning : Invalid Spindle Driver.\n");
+    EXPECT_EQ(warned.err, "warning: Invalid Spindle Driver.\n");
 
     const std::string other = write("other.ini", "; a test catalogue\n1\nName,\"Only one\"\n");
     EXPECT_EQ(run("--catalogue " + other + " models").out, "0: Only one\n");
@@ -173,6 +175,156 @@ TEST_F(ConfigTool, ACatalogueThatCannotBeUsedIsNamedAndNothingIsWritten) {
 
     for (const char* usage : {"apply-model", "models --catalogue"})
         EXPECT_EQ(run(usage).exitCode, 2) << usage;
+}
+
+// A named pipe would block the tool until someone opened its other end, and a folder would read as an empty
+// file: both are refused at once, naming the file.
+TEST_F(ConfigTool, APipeOrAFolderGivenAsAFileIsRefusedAtOnce) {
+    const std::string pipe = path("pipe");
+    ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+    std::filesystem::create_directory(path("folder"));
+    for (const std::string& file : {pipe, path("folder")}) {
+        for (const char* option : {"--sim-scenario ", "--trace "}) {
+            const ToolRun r = run(option + file + " backup " + path("b.csv"));
+            EXPECT_EQ(r.exitCode, 2) << option << file;
+            EXPECT_NE(r.err.find(file + " is not a regular file"), std::string::npos) << r.err;
+            EXPECT_FALSE(std::filesystem::exists(path("b.csv")));
+        }
+    }
+}
+
+// A reader's or the instrument's sentence quoted in a message of its own keeps one full stop.
+TEST_F(ConfigTool, ASentenceWithinAMessageEndsInOneFullStop) {
+    const ToolRun catalogue = run("--catalogue /dev/null models");
+    EXPECT_EQ(catalogue.exitCode, 2);
+    EXPECT_EQ(catalogue.err,
+              "error: The spinstand catalogue /dev/null cannot be used: /dev/null is not a regular "
+              "file. (file /dev/null)\n");
+
+    const std::string memory = path("m.txt");
+    ASSERT_EQ(run("--sim-state " + memory + " save all").exitCode, 0);
+    std::string text = test::readBytes(memory);
+    const auto at = text.find("SpeedMin = ");
+    ASSERT_NE(at, std::string::npos);
+    write("m.txt", text.insert(at + 11, "9999"));
+    const ToolRun damaged = run("--sim-state " + memory + " models");
+    EXPECT_EQ(damaged.exitCode, 2);
+    EXPECT_NE(damaged.err.find(" rpm. "), std::string::npos) << damaged.err;
+    EXPECT_EQ(damaged.err.find(".."), std::string::npos) << damaged.err;
+}
+
+TEST_F(ConfigTool, TextsFromACatalogueAScenarioOrAFileReachTheTerminalEscapedAndCut) {
+    const std::string catalogue = write("c.ini", "2\nName,\"Good\",\"Evil\x1b[2J\r\nerror: forged\"\n");
+    const ToolRun models = run("--catalogue " + catalogue + " models");
+    EXPECT_EQ(models.out, "0: Good\n1: Evil\\x1B[2J\\r\\nerror: forged\n");
+
+    const std::string scenario =
+        write("s.txt", "after 0s: fail IDriverService.SaveStageProperty once \"Busy\x1b[31m\x9b"
+                       "2J\xe2\x80\xa8now\"\n");
+    const ToolRun save =
+        run("--sim-scenario " + scenario + " --sim-state " + path("m.txt") + " --quiet save all");
+    EXPECT_EQ(save.exitCode, 1);
+    EXPECT_EQ(save.err,
+              "error: the stage property could not be saved: Busy\\x1B[31m\\x9B2J\\u2028now; saved before "
+              "it: version data, spinstand configuration, spindle property; not saved: customer "
+              "configuration, piezo data, backlash compensation\n");
+
+    const std::string serial(100000, '7');
+    const std::string file = write("long.csv", "%PiezoSerial\r\n\"" + serial + "\",\r\n");
+    const std::string cut = "\"" + serial.substr(0, kQuoteLimit) + "...\"";
+    const ToolRun imported = run("import piezo " + file);
+    EXPECT_NE(imported.err.find(cut), std::string::npos) << "the instrument's refusal quotes it";
+    EXPECT_LT(imported.err.size(), 1000u);
+    const ToolRun diff = run("--quiet diff " + file);
+    EXPECT_TRUE(diff.out.starts_with("%PiezoSerial: instrument ")) << diff.out;
+    EXPECT_TRUE(diff.out.ends_with(", file " + cut + "\n")) << diff.out;
+}
+
+TEST_F(ConfigTool, ByteOrderMarksAreSkippedInEveryTextFileRead) {
+    const std::string bom(kByteOrderMark);
+    const ToolRun models = run("--catalogue " + write("c.ini", bom + "1\nName,Only\n") + " models");
+    EXPECT_EQ(models.out, "0: Only\n") << models.err;
+
+    const std::string memory = path("m.txt");
+    ASSERT_EQ(run("--sim-state " + memory + " save all").exitCode, 0);
+    write("m.txt", bom + test::readBytes(memory));
+    const ToolRun r =
+        run("--sim-state " + memory + " --sim-scenario " + write("s.txt", bom + "after 0s: clear all\n") +
+            " import setting " + write("bom.csv", bom + "%SpindleSpeed\r\n5400,\r\n"));
+    EXPECT_EQ(r.exitCode, 0) << r.err;
+    EXPECT_EQ(r.out, "imported setting from " + path("bom.csv") + "\n");
+}
+
+// A diff that met a fault never says that no value differs.
+TEST_F(ConfigTool, ADiffWithAStoppedSectionDoesNotSayThatNoValueDiffers) {
+    const std::string file = write("f.csv", "%SpindleSpeed\r\n7200,\r\n%DataArea\r\n0.012,many,\r\n");
+    const ToolRun diff = run("--sim-state " + path("a.txt") + " diff " + file);
+    EXPECT_EQ(diff.exitCode, 1);
+    EXPECT_EQ(diff.out, "");
+    EXPECT_NE(diff.err.find("warning: " + file + " has faults (see above)"), std::string::npos) << diff.err;
+}
+
+// A driver failure while the instrument's lists are read fails the action with the driver's text: nothing is
+// taken for imported, equal, restored or backed up.
+TEST_F(ConfigTool, ADriverFailureWhileTheListsAreReadFailsTheActionWithTheDriversText) {
+    const std::string scenario =
+        write("s.txt", "when IDriver.Open: fail IDriverService.GetSpindlePropertyList until "
+                       "cleared \"The list is not available.\"\n");
+    const std::string spindle = std::string(VSS_GOLDEN_DIR) + "/spindle.csv";
+    for (const std::string& action : {"import spindle " + spindle + " save spindle", "diff " + spindle,
+                                      "--yes restore " + spindle, "backup " + path("b.csv")}) {
+        const ToolRun r = run("--sim-state " + path("a.txt") + " --sim-scenario " + scenario + " " + action);
+        EXPECT_EQ(r.exitCode, 1) << action;
+        EXPECT_TRUE(r.err.starts_with("error: The list is not available.")) << action << ": " << r.err;
+        EXPECT_EQ(r.out, "") << action;
+    }
+    EXPECT_FALSE(std::filesystem::exists(path("b.csv")));
+}
+
+// An import that stops part-way ends the run like a declined restore: what it left is never saved.
+TEST_F(ConfigTool, AFaultyImportEndsTheRunAndIsNeverSaidToBeImported) {
+    const std::string bad = write("bad.csv", "%SpindleSpeedRange\r\n4000,fast,\r\n");
+    const ToolRun r = run("--sim-state " + path("a.txt") + " --trace " + path("t.txt") + " import spindle " +
+                          bad + " save spindle");
+    EXPECT_EQ(r.exitCode, 1);
+    EXPECT_EQ(r.out, "");
+    EXPECT_NE(r.err.find("may be applied in part; no later action runs"), std::string::npos) << r.err;
+    EXPECT_EQ(test::readBytes(path("t.txt")).find(".Save"), std::string::npos);
+}
+
+// A backup onto a disk that fills up leaves no file, or the file as it was, and says that nothing was
+// written.
+TEST_F(ConfigTool, ABackupThatDoesNotFitLeavesNoFileBehind) {
+    const std::string kept = write("kept.csv", "; notes\r\n");
+    const ToolRun r =
+        runOnFullDisk("--sim-state " + path("a.txt") + " backup " + path("b.csv") + " backup " + kept, 4);
+    EXPECT_EQ(r.exitCode, 2);
+    for (const std::string& file : {path("b.csv"), kept})
+        EXPECT_NE(r.err.find("Nothing was written to " + file + "."), std::string::npos) << r.err;
+    EXPECT_EQ(test::readBytes(kept), "; notes\r\n");
+    for (const auto& entry : std::filesystem::directory_iterator(path("")))
+        EXPECT_EQ(entry.path().string().find("b.csv"), std::string::npos) << entry.path();
+    EXPECT_EQ(run("diff " + path("b.csv")).exitCode, 2) << "no file for a diff to take as equal";
+}
+
+// A catalogue model is checked whole before its first write, and its defaults are warned about: in the
+// console as in the service settings window.
+TEST_F(ConfigTool, AModelIsCheckedWholeBeforeItsFirstWriteAndItsDefaultsAreWarnedAbout) {
+    const std::string catalogue = write("c.ini", "1\nName,\"Reversed\"\nSpeedMin,20000\nSpeedMax,15000\n");
+    const ToolRun r =
+        run("--catalogue " + catalogue + " --trace " + path("t.txt") + " apply-model 0 save all");
+    EXPECT_EQ(r.exitCode, 1);
+    EXPECT_TRUE(
+        r.err.starts_with("warning: The model 0 \"Reversed\" takes defaults: HardwareRevision is not given"))
+        << r.err;
+    EXPECT_NE(
+        r.err.find("\nerror: The model 0 \"Reversed\" cannot be applied: the speed range 20000 to 15000 rpm "
+                   "(SpeedMin to SpeedMax) is empty. Nothing was written.\n"),
+        std::string::npos)
+        << r.err;
+    const std::string trace = test::readBytes(path("t.txt"));
+    EXPECT_EQ(trace.find("IDriverService.Set"), std::string::npos) << "nothing written";
+    EXPECT_EQ(trace.find("IDriverService.Save"), std::string::npos);
 }
 
 } // namespace

@@ -1,12 +1,14 @@
 // Export and import of every setting group against the simulated instrument.
 
+#include "driver/DriverError.h"
 #include "storage/NumberText.h"
 #include "storage/modConfigFile.h"
-
 #include "tests/storage/SimSupport.h"
 #include "tests/storage/StorageTestSupport.h"
 
 #include <cstdlib>
+#include <filesystem>
+#include <iterator>
 #include <tuple>
 
 #ifndef VSS_GOLDEN_DIR
@@ -164,6 +166,27 @@ TEST(GroupExport, ExportingOntoAnExistingFileAppendsACompleteReportAndImportAppl
     EXPECT_TRUE(sink.messages.empty());
 }
 
+// A report that fails part-way (here a driver call, in the window's Export as in the console's backup) leaves
+// the file as it was, or no file, and nothing beside it.
+TEST(GroupExport, AReportThatFailsPartWayLeavesNoFileBehind) {
+    test::ScratchDir dir;
+    test::SimSession instrument;
+    test::RecordingSink sink;
+    instrument.instrument().failOperation("IDriverService.GetStageProperty", "No answer.", 2);
+    const std::string kept = dir.write("kept.csv", "; kept\r\n");
+    for (const std::string& file : {kept, dir.path("new.csv")}) {
+        try {
+            exportAllGroups(file, instrument.handles, sink, kFixedClock);
+            ADD_FAILURE() << "the failure was not passed on";
+        } catch (const DriverError& e) {
+            EXPECT_EQ(e.description(), "No answer. Nothing was written to " + file + ".");
+        }
+    }
+    EXPECT_EQ(test::readBytes(kept), "; kept\r\n");
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir.path("")), {}), 1) << "only kept.csv";
+    EXPECT_TRUE(sink.messages.empty());
+}
+
 TEST(GroupImport, AFileOfAnotherFormChangesOnlyWhatTheGroupCodeAccepts) {
     test::ScratchDir dir;
     test::SimSession source;
@@ -317,12 +340,30 @@ TEST(GroupExport, AnEmptySerialReadsBackAndASerialThatCannotBeWrittenIsRefusedWh
     EXPECT_EQ(target.handles.service->GetPiezoSerial(), "");
     EXPECT_EQ(target.handles.service->GetPiezoAdjust(1), 1003); // the section after the serial
 
-    source.handles.service->SetPiezoSerial("PZ\"12");
-    const std::string file = dir.write("quoted.csv", "; kept\r\n");
-    ExportGroup(SettingGroup::PiezoData, file, source.handles, sink, kFixedClock);
-    EXPECT_EQ(test::readBytes(file), "; kept\r\n");
-    ASSERT_EQ(sink.messages.size(), 1u);
-    EXPECT_NE(sink.messages[0].text.find("\"PZ\\\"12\""), std::string::npos) << sink.messages[0].text;
+    // A serial with a double quote, or one that reads as a section name, would not read back as itself.
+    for (const char* serial : {"PZ\"12", " %PiezoAdjust"}) {
+        sink.messages.clear();
+        source.handles.service->SetPiezoSerial(serial);
+        const std::string file = dir.write("refused.csv", "; kept\r\n");
+        ExportGroup(SettingGroup::PiezoData, file, source.handles, sink, kFixedClock);
+        EXPECT_EQ(test::readBytes(file), "; kept\r\n");
+        ASSERT_EQ(sink.messages.size(), 1u);
+        EXPECT_NE(sink.messages[0].text.find(inQuotes(serial)), std::string::npos) << sink.messages[0].text;
+    }
+}
+
+// A hardware revision from a catalogue goes into the report header: none of it is read back as a value.
+TEST(GroupExport, TheReportHeaderNeverReadsBackAsData) {
+    test::ScratchDir dir;
+    test::SimSession source;
+    test::SimSession target;
+    source.handles.service->SetHardwareRevision("x,%SpindleSpeed,4001");
+    test::RecordingSink sink;
+    ExportGroup(SettingGroup::BacklashCompensation, dir.path("b.csv"), source.handles, sink, kFixedClock);
+    const std::int32_t speed = target.handles.driver->GetSpindleSpeed();
+    EXPECT_EQ(ImportGroup(1, dir.path("b.csv"), target.handles, sink), 0);
+    EXPECT_EQ(target.handles.driver->GetSpindleSpeed(), speed);
+    EXPECT_TRUE(sink.messages.empty());
 }
 
 } // namespace

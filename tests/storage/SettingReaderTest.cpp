@@ -105,6 +105,29 @@ TEST(SettingReader, AnEmptyQuotedTextReadsAsAnEmptyTextAndNotAsTheNextSectionsNa
               (Calls{"SetHomeState(0)", "SetSpindleSpeed(5400)"}));
 }
 
+// The serial number is the one free text a file gives the instrument: a section name in its place ends the
+// section (and is read as that section), and a text the writer would refuse is refused as the writer says.
+TEST(SettingReader, ASerialIsNeitherASectionNameNorATextTheWriterWouldRefuse) {
+    const std::string calCoef = "\"Volt\",0,10,\r\n\"Position\",0,1,\r\n\"Nop\",1,\r\n\"Coef\",2,\r\n";
+    const struct {
+        std::string serial; // and the header of the next section
+        std::string says;
+    } cases[] = {
+        {"\r\n%PiezoCalCoef\r\n", "section ends before the serial number ("},
+        {"\" %PiezoCalCoef \",\r\n", "section ends before the serial number ("},
+        {"PZ\"08 x,\r\n%PiezoCalCoef\r\n",
+         "the text \"PZ\\\"08 x\" cannot be written to a setting file: it holds a double quote"},
+        {"\"PZ\r\n08\",\r\n%PiezoCalCoef\r\n", "the text \"PZ\\r\\n08\" cannot be written to a setting file"},
+    };
+    for (const auto& c : cases) {
+        const ReadResult r = readFile("%PiezoSerial\r\n" + c.serial + calCoef, 7);
+        EXPECT_EQ(r.calls, (Calls{"SetPiezoCalCoef(0,10,0,1,2)"})) << c.serial;
+        ASSERT_EQ(r.messages.size(), 1u) << c.serial;
+        EXPECT_TRUE(names(r.messages[0], "%PiezoSerial: " + c.says)) << r.messages[0];
+        EXPECT_TRUE(names(r.messages[0], "in.csv, line ")) << r.messages[0];
+    }
+}
+
 TEST(SettingReader, WordEncodingsReadExactlyAndAnythingElseMeansTheDefault) {
     EXPECT_EQ(readFile("%DiskSizeRestriction\r\n\"True\",\r\n%DiskSizeRestriction\r\n\"true\",\r\n"
                        "%HomeState\r\n\"HOMESTATE_STOP\",\r\n%HomeState\r\n\"\",\r\n",

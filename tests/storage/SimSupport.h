@@ -22,6 +22,8 @@ public:
     }
     ~SimSession() { handles.driver->Close(); }
 
+    sim::SimInstrument& instrument() { return instrument_; }
+
     DriverHandles handles;
 
 private:

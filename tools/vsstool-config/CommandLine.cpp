@@ -73,8 +73,8 @@ constexpr std::string_view kUsageTail =
     "  --yes               restore without asking\n"
     "  --help              show this text\n"
     "\n"
-    "exit status: 0 no message, 1 messages were raised, a value differed in a diff, or a restore was\n"
-    "             declined or failed,\n"
+    "exit status: 0 no message, 1 messages were raised, a value differed in a diff, a restore was\n"
+    "             declined or failed, or an import failed (which ends the run),\n"
     "             2 usage error, a file that could not be opened or written, or an instrument session\n"
     "             that could not start (such as a damaged memory file of the simulated instrument)\n"
     "(a warning, such as a file that holds no section of the group, leaves the status as it is)\n";

@@ -1,17 +1,21 @@
 #include "tools/vsstool-config/ConfigTool.h"
 
 #include "driver/FileName.h"
+#include "driver/Trace.h"
 #include "simulator/Factory.h"
 #include "storage/SettingDiff.h"
+#include "storage/TemporaryPath.h"
 #include "storage/modConfigFile.h"
 #include "storage/modSsDefine.h"
 
 #include <chrono>
+#include <cstdio>
 #include <ctime>
 #include <filesystem>
 #include <istream>
 #include <optional>
 #include <ostream>
+#include <random>
 #include <set>
 #include <stdexcept>
 
@@ -95,6 +99,72 @@ std::string backupBeside(const std::string& restored) {
     return utf8FromPath(backup);
 }
 
+// The file a restore reads, as it stood when the restore began: a copy in a folder of its own in the
+// temporary folder, removed when the restore ends (or Ctrl-C ends the program at the prompt). The changes
+// shown, the checks and the writes all read the copy, so that a file rewritten while the user reads the
+// changes cannot bring in values that were never shown or checked. The messages of the reading, passed on
+// through this sink, name the file itself. A file that cannot be opened, or is not a regular file, is read as
+// it is, and its reader says why it cannot be read.
+class RestoredFile : public PositionedMessageSink {
+public:
+    RestoredFile(const std::string& file, MessageSink& sink) : file_(file), read_(file), sink_(sink) {
+        namespace fs = std::filesystem;
+        std::error_code ec;
+        if (!fs::is_regular_file(pathFromUtf8(file), ec))
+            return;
+        if (std::FILE* readable = fopenUtf8(file, "rb"))
+            std::fclose(readable);
+        else
+            return;
+        const fs::path temporary = fs::temp_directory_path(ec);
+        std::random_device random;
+        for (int attempt = 0; !ec && !folder_ && attempt < 100; ++attempt) {
+            const fs::path folder = temporary / ("vsstool-config-" + std::to_string(random()));
+            if (fs::create_directory(folder, ec))
+                folder_.emplace(folder);
+        }
+        if (folder_) {
+            copy_.emplace(folder_->path() / "restore.csv");
+            fs::copy_file(pathFromUtf8(file), copy_->path(), ec);
+        }
+        if (!folder_ || ec)
+            throw std::runtime_error("the restore of " + file +
+                                     " did not start: no copy of it could be made in " +
+                                     utf8FromPath(temporary) + ": " + ec.message());
+        read_ = utf8FromPath(copy_->path());
+    }
+
+    // The name to read.
+    const std::string& path() const { return read_; }
+    // A text of the reading with the copy's name replaced by the file's.
+    std::string named(std::string text) const {
+        if (read_ != file_)
+            for (auto at = text.find(read_); at != std::string::npos;
+                 at = text.find(read_, at + file_.size()))
+                text.replace(at, read_.size(), file_);
+        return text;
+    }
+    void showAt(std::string_view text, std::string_view title, const FieldPosition& where) override {
+        FieldPosition position = where;
+        if (position.fileName == read_)
+            position.fileName = file_;
+        report(sink_, named(std::string(text)), title, position);
+    }
+
+private:
+    std::string file_;
+    std::string read_;
+    MessageSink& sink_;
+    std::optional<TemporaryPath> folder_;
+    std::optional<TemporaryPath> copy_;
+};
+
+std::string capitalized(std::string text) {
+    if (!text.empty() && text[0] >= 'a' && text[0] <= 'z')
+        text[0] = static_cast<char>(text[0] - 'a' + 'A');
+    return text;
+}
+
 std::string joined(const std::vector<std::string>& names) {
     std::string text;
     for (const std::string& name : names)
@@ -111,6 +181,7 @@ public:
     // A file that cannot be opened or written has been named by the sink; nothing more is said of its action.
     void run(const Action& action) {
         const int fileFailures = sink_.fileFailures();
+        const int messagesBefore = sink_.messages();
         const auto fileOk = [&] { return sink_.fileFailures() == fileFailures; };
         switch (action.verb) {
         case Verb::Export:
@@ -119,11 +190,7 @@ public:
                 note("exported " + action.group + " to " + action.file);
             break;
         case Verb::Import:
-            if (ImportGroup(findGroup(action.group)->importCode, action.file, h_, sink_) > 0)
-                note("imported " + action.group + " from " + action.file);
-            else if (fileOk())
-                sink_.warning(action.file + " holds no section of the group " + action.group +
-                              ": nothing was imported");
+            importGroup(action);
             break;
         case Verb::Backup:
             exportAllGroups(action.file, h_, sink_);
@@ -132,7 +199,7 @@ public:
             break;
         case Verb::Diff:
             if (const auto diffs = differences(action.file, sink_)) {
-                printDifferences(*diffs);
+                printDifferences(*diffs, action.file, messagesBefore);
                 differed_ = differed_ || !diffs->empty();
             } else if (fileOk()) {
                 sink_.warning(action.file + " holds no setting section: nothing to compare");
@@ -160,7 +227,7 @@ public:
 private:
     void note(const std::string& text) {
         if (!line_.quiet)
-            out_ << text << '\n';
+            out_ << shownText(text) << '\n';
     }
 
     // Every importable group's differences, each item once. Nothing when the file cannot be opened (said on
@@ -186,30 +253,73 @@ private:
         return all;
     }
 
-    void printDifferences(const std::vector<SettingDifference>& diffs) {
+    // The differences, each value cut to the length of a quote. A file with faults (said above, since
+    // `messagesBefore`) was compared only up to each fault: it never reads as "no value differs".
+    void printDifferences(const std::vector<SettingDifference>& diffs, const std::string& file,
+                          int messagesBefore) {
         for (const auto& d : diffs)
-            out_ << printable(d.item) << ": instrument " << d.instrument << ", file " << d.file << '\n';
-        if (diffs.empty())
+            out_ << shownText(d.item) << ": instrument " << cutPrintable(d.instrument) << ", file "
+                 << cutPrintable(d.file) << '\n';
+        if (sink_.messages() > messagesBefore)
+            sink_.warning(file + " has faults (see above): the values after each fault were not compared");
+        else if (diffs.empty())
             note("no value differs");
+    }
+
+    // An import that raised a message (a fault of the file, a value the instrument refused) may be applied in
+    // part: it ends the run like a declined restore, so that no later action saves what it left, and it is
+    // never said to be imported. A file that could not be opened has been named and changed nothing.
+    void importGroup(const Action& action) {
+        const int messages = sink_.messages();
+        const int fileFailures = sink_.fileFailures();
+        const std::string inPart = "the import of " + action.group + " from " + action.file;
+        int applied = 0;
+        try {
+            applied = ImportGroup(findGroup(action.group)->importCode, action.file, h_, sink_);
+        } catch (const std::exception& e) {
+            throw std::runtime_error(std::string(e.what()) + " " + capitalized(inPart) +
+                                     " stopped there and may be applied in part; no later action runs");
+        }
+        if (sink_.fileFailures() > fileFailures)
+            return;
+        if (sink_.messages() > messages)
+            throw std::runtime_error(
+                inPart + " has faults (see above) and may be applied in part; no later action runs");
+        if (applied > 0)
+            note("imported " + action.group + " from " + action.file);
+        else
+            sink_.warning(action.file + " holds no section of the group " + action.group +
+                          ": nothing was imported");
+    }
+
+    // Restores from a copy of the file taken as the restore begins (see RestoredFile); messages name the
+    // file.
+    void restore(const std::string& file) {
+        RestoredFile restored(file, sink_);
+        try {
+            restore(file, restored);
+        } catch (const std::exception& e) {
+            throw std::runtime_error(restored.named(e.what()));
+        }
     }
 
     // Shows the changes, checks the file's values, asks, backs the instrument up beside the file and writes
     // the groups in the restore order. Anything short of a complete restore ends the run by throwing.
-    void restore(const std::string& file) {
+    void restore(const std::string& file, RestoredFile& restored) {
         const int messages = sink_.messages();
         const int fileFailures = sink_.fileFailures();
-        const auto diffs = differences(file, sink_);
+        const auto diffs = differences(restored.path(), restored);
         if (sink_.fileFailures() > fileFailures)
             throw std::runtime_error("the restore of " + file + " did not start: the file cannot be read");
         if (!diffs)
             throw std::runtime_error(file + " holds no setting section: nothing was restored");
-        printDifferences(*diffs);
+        printDifferences(*diffs, file, messages);
         // A file that does not read cleanly would be applied only in part.
         if (sink_.messages() > messages)
             throw std::runtime_error("the restore of " + file +
                                      " stopped before writing anything: the file has faults (see above)");
         const std::vector<int> codes = restoreCodes();
-        const std::vector<std::string> refused = checkGroups(codes, file, h_, sink_);
+        const std::vector<std::string> refused = checkGroups(codes, restored.path(), h_, restored);
         for (const std::string& problem : refused)
             sink_.error(problem + " (file " + file + ")");
         if (!refused.empty())
@@ -219,7 +329,7 @@ private:
         if (!line_.yes && !confirmed())
             throw std::runtime_error("the restore of " + file + " was cancelled: no later action runs");
         const std::string backup = takeBackup(file);
-        writeGroups(file, backup);
+        writeGroups(file, restored, backup);
         note("restored " + file);
     }
 
@@ -237,23 +347,28 @@ private:
     std::string takeBackup(const std::string& file) {
         const std::string backup = backupBeside(file);
         const int fileFailures = sink_.fileFailures();
-        exportAllGroups(backup, h_, sink_);
+        const std::string stopped = "the restore of " + file +
+                                    " stopped before writing anything: the backup " + backup +
+                                    " could not be written";
+        try {
+            exportAllGroups(backup, h_, sink_);
+        } catch (const std::exception& e) {
+            throw std::runtime_error(stopped + ": " + e.what());
+        }
         if (sink_.fileFailures() > fileFailures)
-            throw std::runtime_error("the restore of " + file +
-                                     " stopped before writing anything: the backup " + backup +
-                                     " could not be written");
+            throw std::runtime_error(stopped);
         out_ << "backup of the values before the restore: " << backup << '\n';
         return backup;
     }
 
     // A refusal either ends the group (thrown) or is said and skipped (a property row): both end the restore.
-    void writeGroups(const std::string& file, const std::string& backup) {
+    void writeGroups(const std::string& file, RestoredFile& restored, const std::string& backup) {
         std::vector<std::string> applied;
         for (std::string_view name : kRestoreOrder) {
             const int messages = sink_.messages();
             std::string refusal;
             try {
-                ImportGroup(findGroup(name)->importCode, file, h_, sink_);
+                ImportGroup(findGroup(name)->importCode, restored.path(), h_, restored);
             } catch (const std::exception& e) {
                 refusal = e.what();
             }
@@ -270,14 +385,37 @@ private:
         }
     }
 
+    // A failure names the memory group it stopped at, those done before it and those not reached.
     void saveOrRecall(const Action& action) {
         const bool save = action.verb == Verb::Save;
+        const std::string done = save ? "saved" : "recalled";
+        std::vector<std::string> before;
+        std::vector<std::string> after;
+        const MemoryOps* failed = nullptr;
+        std::string reason;
         for (const MemoryOps& m : kMemories) {
             if (action.group != "all" && m.memory != memoryOf(findGroup(action.group)->group))
                 continue;
-            (h_.service.get()->*(save ? m.save : m.recall))();
-            note(std::string(save ? "saved " : "recalled ") + std::string(m.name));
+            if (failed != nullptr) {
+                after.emplace_back(m.name);
+                continue;
+            }
+            try {
+                (h_.service.get()->*(save ? m.save : m.recall))();
+            } catch (const std::exception& e) {
+                failed = &m;
+                reason = clause(e.what());
+                continue;
+            }
+            note(done + " " + std::string(m.name));
+            before.emplace_back(m.name);
         }
+        if (failed == nullptr)
+            return;
+        std::string text = "the " + std::string(failed->name) + " could not be " + done + ": " + reason;
+        if (!before.empty() || !after.empty())
+            text += "; " + done + " before it: " + joined(before) + "; not " + done + ": " + joined(after);
+        throw std::runtime_error(text);
     }
 
     // The catalogue's model names as the service settings list them: up to the first empty name. The file is
@@ -299,7 +437,7 @@ private:
     void listModels() {
         const std::vector<std::string>& names = modelNames();
         for (std::size_t i = 0; i < names.size(); ++i)
-            out_ << i << ": " << names[i] << '\n';
+            out_ << i << ": " << shownText(names[i]) << '\n';
     }
 
     // A model by its name, else by its index; nothing is written when there is no such model, and the run
@@ -331,34 +469,59 @@ private:
 
 } // namespace
 
+// Every line the tool prints to the error stream: one prefix, then the text under the one rule for outside
+// texts (a catalogue's model name, a serial, a scenario's or the instrument's message may hold line ends or
+// escapes).
+void ConsoleSink::print(std::string_view prefix, std::string_view text) {
+    err_ << prefix << shownText(text) << '\n';
+}
+
 void ConsoleSink::showAt(std::string_view text, std::string_view title, const FieldPosition& where) {
     ++messages_;
     if (where.fileFailed)
         ++fileFailures_;
-    // The title (the application's, or "error" for a reader's message) adds nothing to the one prefix.
+    // The title (the application's, or "error" for a reader's message) adds nothing to the one prefix. A
+    // warning of the window program ("Warning : Invalid Spindle Driver.") is printed as the warning it is,
+    // and still sets the exit status: the instrument's values are not what the user asked for.
     static_cast<void>(title);
-    err_ << "error: " << text;
+    constexpr std::string_view kWarning = "Warning : ";
+    const bool warning = text.starts_with(kWarning);
+    std::string line(warning ? text.substr(kWarning.size()) : text);
     if (!where.fileName.empty() || where.fileFailed) {
-        err_ << " (file " << where.fileName;
+        line += " (file " + where.fileName;
         if (where.line > 0)
-            err_ << ", line " << where.line << ", field " << where.field;
-        err_ << ')';
+            line += ", line " + std::to_string(where.line) + ", field " + std::to_string(where.field);
+        line += ')';
     }
-    err_ << '\n';
+    print(warning ? "warning: " : "error: ", line);
 }
 
 void ConsoleSink::error(std::string_view text) {
     ++messages_;
-    err_ << "error: " << text << '\n';
+    print("error: ", text);
 }
 
 void ConsoleSink::warning(std::string_view text) {
-    err_ << "warning: " << text << '\n';
+    print("warning: ", text);
 }
 
 void ConsoleSink::note(std::string_view text) {
-    err_ << "note: " << text << '\n';
+    print("note: ", text);
 }
+
+namespace {
+
+// Trace lines that could not be written (a full disk) are said last, as a file that could not be written.
+int withTraceLoss(const DriverOptions& options, ConsoleSink& sink, int status) {
+    const auto* file = dynamic_cast<const TraceFile*>(options.trace.get());
+    const std::string lost = file != nullptr ? file->loss() : std::string();
+    if (lost.empty())
+        return status;
+    sink.error(lost);
+    return 2;
+}
+
+} // namespace
 
 int runTool(const CommandLine& line, std::istream& in, std::ostream& out, std::ostream& err,
             bool driverInstalled) {
@@ -383,7 +546,7 @@ int runTool(const CommandLine& line, std::istream& in, std::ostream& out, std::o
         handles.service->BeginService();
     } catch (const std::exception& e) {
         sink.error(e.what());
-        return 2;
+        return withTraceLoss(options, sink, 2);
     }
 
     // A failing action ends the run, as a failing driver call ends a window's handler, and so does a restore
@@ -401,8 +564,8 @@ int runTool(const CommandLine& line, std::istream& in, std::ostream& out, std::o
         sink.error(e.what());
     }
     if (sink.fileFailures() > 0)
-        return 2;
-    return sink.messages() > 0 || runner.differed() ? 1 : 0;
+        return withTraceLoss(options, sink, 2);
+    return withTraceLoss(options, sink, sink.messages() > 0 || runner.differed() ? 1 : 0);
 }
 
 } // namespace vss::config
