@@ -1,5 +1,5 @@
-// The field reader on arbitrary bytes: every typed read, in an order the input chooses, at the start of the file
-// or across the end of the first read buffer.
+// The field reader on arbitrary bytes: every typed read, in an order the input chooses, at the start of the
+// file or across the end of the first read buffer.
 
 #include "fuzz/storage/FuzzInput.h"
 #include "storage/fileio.h"
@@ -15,9 +15,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         prefix.assign(vss::fileio::kReadBufferSize - 2 - data[1] % 64, ';');
         prefix += '\n';
     }
+    const vss::fuzz::InputFile input(data, size, prefix);
     vss::fuzz::CountingSink sink;
     vss::fileio io(sink);
-    io.setFileName(vss::fuzz::writeInput(data, size, prefix));
+    io.setFileName(input.path());
     // Bounded: at most one read per byte and a few past the end (reads there repeat the last field).
     for (std::size_t i = 0; i < size + 4; ++i) {
         try {

@@ -9,7 +9,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const int groupCode = size > 0 ? 1 + data[0] % 10 : 1;
     vss::fuzz::CountingSink sink;
     try {
-        vss::ImportGroup(groupCode, vss::fuzz::writeInput(data, size), target.handles, sink);
+        vss::ImportGroup(groupCode, vss::fuzz::InputFile(data, size).path(), target.handles, sink);
     } catch (const vss::DriverError&) {
     } catch (const vss::NumberOutOfRange&) {
     }
