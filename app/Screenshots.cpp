@@ -1,32 +1,32 @@
 #include "app/Screenshots.h"
 
-#include "kit/Messages.h"
-#include "kit/Navigation.h"
-#include "kit/dlgConfigFile.h"
 #include "app/frmFac.h"
 #include "app/frmOpen.h"
 #include "app/frmSerStageMotor.h"
 #include "app/frmTop.h"
+#include "controls/Gallery.h"
+#include "customer/CustomerWindows.h"
+#include "driver/Handles.h"
+#include "factory/FactoryWindows.h"
+#include "frontpanel/frmSimPanel.h"
+#include "kit/Messages.h"
+#include "kit/Navigation.h"
+#include "kit/dlgConfigFile.h"
 #include "kit/frmVersion.h"
 #include "kit/modGlobal.h"
-#include "controls/Gallery.h"
-#include "driver/Handles.h"
-#include "simulator/SimInstrument.h"
-#include "simulator/SimulatedInstrument.h"
-#include "frontpanel/frmSimPanel.h"
-#include "customer/CustomerWindows.h"
-#include "factory/FactoryWindows.h"
 #include "operation/OperationWindows.h"
 #include "piezo/PiezoWindows.h"
 #include "service/ServiceWindows.h"
+#include "simulator/SimInstrument.h"
+#include "simulator/SimulatedInstrument.h"
 
 #include <QApplication>
 #include <QDir>
 #include <QEventLoop>
-#include <QTimer>
 #include <QImage>
 #include <QPainter>
 #include <QPixmap>
+#include <QTimer>
 #include <cstdio>
 #include <exception>
 #include <functional>
@@ -71,33 +71,38 @@ std::vector<Scene> scenes() {
         {QStringLiteral("frmVersion"), versionWindow(false)},
         {QStringLiteral("frmVersion-factory"), versionWindow(true)},
         {QStringLiteral("controls"), [] { return std::unique_ptr<QWidget>(createControlsGallery(nullptr)); }},
-        {QStringLiteral("frmSimPanel"), [] {
-             return std::make_unique<frmSimPanel>(simulatedInstrument(globals().driverOptions));
-         }},
+        {QStringLiteral("frmSimPanel"),
+         [] { return std::make_unique<frmSimPanel>(simulatedInstrument(globals().driverOptions)); }},
     };
-    for (ScreenshotScenes (*library)() :
-         {operationScreenshots, customerScreenshots, factoryScreenshots, piezoScreenshots, serviceScreenshots}) {
+    for (ScreenshotScenes (*library)() : {operationScreenshots, customerScreenshots, factoryScreenshots,
+                                          piezoScreenshots, serviceScreenshots}) {
         for (auto& [name, make] : library())
             list.push_back({name, [make = std::move(make)] { return make(nullptr); }});
     }
     return list;
 }
 
-// The client area under a plain title bar with the caption, the way the window looks on a desktop.
+// The client area under a plain title bar with the caption, the way the window looks on a desktop. The image
+// has the window's device pixel ratio: at 200 % every pixel of the window is kept, and the frame and the
+// caption are drawn at the same scale.
 QImage framed(QWidget& w) {
     const QPixmap client = w.grab();
+    const qreal ratio = client.devicePixelRatio();
+    const QSize clientSize = client.deviceIndependentSize().toSize();
     const int titleHeight = 24;
     const int border = 1;
-    QImage image(client.width() + 2 * border, client.height() + titleHeight + 2 * border,
+    QImage image(QSize(clientSize.width() + 2 * border, clientSize.height() + titleHeight + 2 * border) *
+                     ratio,
                  QImage::Format_RGB32);
+    image.setDevicePixelRatio(ratio);
     image.fill(QColor(0x40, 0x40, 0x40));
     QPainter painter(&image);
-    painter.fillRect(border, border, client.width(), titleHeight, QColor(0x2b, 0x4a, 0x7a));
+    painter.fillRect(border, border, clientSize.width(), titleHeight, QColor(0x2b, 0x4a, 0x7a));
     painter.setPen(Qt::white);
     QFont font = painter.font();
     font.setBold(true);
     painter.setFont(font);
-    painter.drawText(QRect(border + 8, border, client.width() - 16, titleHeight),
+    painter.drawText(QRect(border + 8, border, clientSize.width() - 16, titleHeight),
                      Qt::AlignVCenter | Qt::AlignLeft, w.windowTitle());
     painter.drawPixmap(border, border + titleHeight, client);
     return image;
@@ -155,9 +160,10 @@ int runScreenshots(const QString& dirPath, DriverOptions options) {
 
     options.forceSimulator = true;
     if (!options.simulator && options.simStatePath.empty())
-        options.simulator = std::make_shared<sim::SimInstrument>(sim::SimOptions{
-            .statePath = ":memory:", .listLower = static_cast<std::int16_t>(options.simOneBasedLists ? 1 : 0)});
-    options.simScenario.clear(); // the windows are rendered as they stand, without timed steps
+        options.simulator = std::make_shared<sim::SimInstrument>(
+            sim::SimOptions{.statePath = ":memory:",
+                            .listLower = static_cast<std::int16_t>(options.simOneBasedLists ? 1 : 0)});
+    options.simScenario.clear();       // the windows are rendered as they stand, without timed steps
     globals().driverOptions = options; // the front panel's scene shows this instrument
 
     DriverHandles& h = handles();

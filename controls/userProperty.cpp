@@ -180,7 +180,15 @@ Variant userProperty::Value() const {
     return {};
 }
 
+bool userProperty::Edited() const {
+    if (isTextMode(mode_))
+        return txt_->Edited();
+    const Variant value = Value();
+    return !(value == assigned_ || value.equals(assigned_));
+}
+
 void userProperty::setValue(const Variant& value) {
+    assigned_ = value;
     if (value.type() != mode_) {
         mode_ = value.type();
         layoutChildren();

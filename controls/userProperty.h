@@ -68,6 +68,10 @@ public:
     Variant Value() const;
     void setValue(const Variant& value);
 
+    // Whether the value differs from the one the host last set (as userText::Edited): picking the entry
+    // already selected, or a commit of unchanged text, is no edit. A click on the check box always is.
+    bool Edited() const;
+
 signals:
     // Raised when the user picks a list entry (also the one already selected) or clicks the check box, when a
     // value selects another list entry, and after every commit of the text editor.
@@ -85,6 +89,7 @@ private:
     LockableComboBox* cmb_;
     QCheckBox* chk_;
     Variant::Type mode_ = Variant::Type::Null;
+    Variant assigned_ = Variant::null(); // the host's last setValue
     bool layoutAuto_ = true;
     std::int32_t labelWidth_ = 200;
 };

@@ -22,6 +22,11 @@ userText::userText(QWidget* parent) : QWidget(parent), txt_(new QLineEdit(this))
 }
 
 void userText::setValue(const Variant& value) {
+    assigned_ = value;
+    display(value);
+}
+
+void userText::display(const Variant& value) {
     if (value.equals(value_))
         return;
     txt_->setText(QString::fromStdString(FormatValueText(value, dblScale_, digitNum_)));
@@ -89,7 +94,7 @@ bool userText::eventFilter(QObject* watched, QEvent* event) {
 void userText::commit() {
     if (txt_->isModified()) {
         const std::string separator = QLocale().decimalPoint().toStdString();
-        setValue(valueFromTypedText(value_, txt_->text().toStdString(), dblScale_, separator));
+        display(valueFromTypedText(value_, txt_->text().toStdString(), dblScale_, separator));
     }
     emit ChangeValue();
 }

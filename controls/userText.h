@@ -21,9 +21,14 @@ public:
 
     // Setting a value that differs (Variant::equals) from the stored one shows it and stores it; setting an
     // equal one changes nothing, not even the text. A stored null never counts as equal. Raises no
-    // ChangeValue.
+    // ChangeValue. Either way the value set is the one that Edited compares with.
     Variant Value() const { return value_; }
     void setValue(const Variant& value);
+
+    // Whether a commit has left a value other than the one the host last set (Variant::equals, two nulls
+    // alike). The host sets what it read from the instrument: a commit that is no edit (the keyboard passing
+    // through, Enter on the value as shown, the same number typed again) is for the host to write nothing.
+    bool Edited() const { return !(value_ == assigned_ || value_.equals(assigned_)); }
 
     // Shown = Value / DblScale; a committed number becomes number * DblScale. Stored only: set it, and
     // DigitNum, before the value, because the shown text is not reformatted.
@@ -59,11 +64,13 @@ protected:
 
 private:
     void commit();
+    void display(const Variant& value);
     void layoutChildren();
 
     QLineEdit* txt_;
     QLabel* opt_;
     Variant value_ = Variant::null();
+    Variant assigned_ = Variant::null(); // the host's last setValue
     double dblScale_ = 1.0;
     std::int16_t digitNum_ = 4;
     std::int32_t optStrWidth_ = 300;

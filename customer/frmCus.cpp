@@ -42,8 +42,7 @@ frmCus::frmCus(QWidget* parent, bool viewOnly) : SettingsPage(parent, SettingGro
     // stoppers are locked while viewing, the derived fields always (set as they were built).
     applyViewOnly({row.exportButton, row.importButton, row.save, row.recall, cmdAdvanced_},
                   {inner_.stopper, outer_.stopper});
-    // A page opened for viewing starts on "Return": a locked stopper still writes its value when it loses the
-    // focus, so it does not hold the focus unless the user puts it there.
+    // A page opened for viewing starts on "Return"; its locked stoppers write nothing.
     if (ViewOnly())
         row.returnButton->setFocus();
     RefreshAll();
@@ -53,14 +52,18 @@ frmCus::Position frmCus::buildPosition(const char* frameName, const QString& cap
                                        std::int16_t index, const char* const names[3]) {
     QGroupBox* frame = newFrame(this, frameName, caption, 120, top, kFrameWidth, frameHeightTwips(3));
     const QString deg = QStringLiteral("deg");
-    return {
-        index, newCustomerRow(frame, names[0], 0, {.caption = QStringLiteral("Stopper"), .unit = deg}),
-        newCustomerRow(frame, names[1], 1,
-                       {.caption = QStringLiteral("Radius"),
-                        .unit = QStringLiteral("mm"),
-                        .scale = 0.001,
-                        .locked = true}),
-        newCustomerRow(frame, names[2], 2, {.caption = QStringLiteral("Skew"), .unit = deg, .locked = true})};
+    // Both sides show the rows "Stopper", "Radius" and "Skew"; a screen reader names the side too.
+    const auto row = [&](int i, const FieldLook& look) {
+        userText* field = newCustomerRow(frame, names[i], i, look);
+        field->setCaptionName(caption + QLatin1Char(' ') + look.caption.toLower()); // "Inner stopper"
+        return field;
+    };
+    return {index, row(0, {.caption = QStringLiteral("Stopper"), .unit = deg}),
+            row(1, {.caption = QStringLiteral("Radius"),
+                    .unit = QStringLiteral("mm"),
+                    .scale = 0.001,
+                    .locked = true}),
+            row(2, {.caption = QStringLiteral("Skew"), .unit = deg, .locked = true})};
 }
 
 void frmCus::buildStage(int top) {
@@ -109,14 +112,15 @@ void frmCus::RefreshAll() {
     RefreshStage();
 }
 
-// The field's value is written on every commit, changed or not, and its side is read back. The page turning
-// busy takes the focus from the field; a commit raised then belongs to the write already under way.
+// An edited stopper is written and its side read back, also when the instrument refused it. A commit that
+// leaves the stopper as it was read writes nothing, so that tabbing through the page never writes; the locked
+// stoppers of a page opened view-only write nothing at all.
 void frmCus::usrStopper_ChangeValue(const Position& position) {
-    if (isBusy())
+    if (commitIgnored(*this) || !position.stopper->Edited())
         return;
     const double degrees = position.stopper->Value().toDouble();
-    command([&] { handles().service->SetStopperPosition(position.index, degrees); },
-            [&] { refreshPosition(position); });
+    writeValue([&] { handles().service->SetStopperPosition(position.index, degrees); },
+               [&] { refreshPosition(position); });
 }
 
 // The stage configuration page writes what it changes at once; this page shows the result when it returns.

@@ -3,8 +3,8 @@
 // The measurement positions: for the inner and the outer position the operator sets the stopper angle at
 // which the stage stops, and the instrument derives the radius and skew of that position, shown read-only.
 // The three stage geometry values are shown here and edited on the stage configuration page ("Advanced").
-// Save, Recall, Export and Import handle the customer configuration group. A stopper commit writes the
-// field's value on every Enter and every focus loss, changed or not, and reads its side back.
+// Save, Recall, Export and Import handle the customer configuration group. A stopper committed with a new
+// value is written and its side read back.
 
 #include "kit/SettingsPage.h"
 

@@ -97,13 +97,13 @@ void frmCusStageConfig::RefreshStageAll() {
     RefreshOFST();
 }
 
-// The field's value is written on every commit, changed or not, and read back, so that the field shows what
-// the instrument accepted. A commit raised by the page turning busy belongs to the write under way.
+// An edited value is written and read back, also when the instrument refused it, so that the field shows what
+// the instrument holds. A commit that leaves the value as it was read writes nothing.
 void frmCusStageConfig::usrGeometry_ChangeValue(const GeometryField& value) {
-    if (isBusy())
+    if (!value.field->Edited())
         return;
     const double typed = value.field->Value().toDouble();
-    command([&] { handles().service->SetStageGeometry(value.index, typed); }, [&] { refresh(value); });
+    writeValue([&] { handles().service->SetStageGeometry(value.index, typed); }, [&] { refresh(value); });
 }
 
 // The load-time values go back in index order; a refused one stops the restore there and the page stays open.

@@ -1,9 +1,10 @@
 #pragma once
 
 // The stage geometry of the customer configuration: the distances from the stage centre to the spindle
-// centre, from the stage centre to the reference, and from the reference to the gap. Every committed value is
+// centre, from the stage centre to the reference, and from the reference to the gap. Every edited value is
 // written to the instrument at once and read back. The values read when the page opened are kept: "Cancel"
-// writes them back, "OK" leaves what was written (storing it is the measurement position page's "Save").
+// writes them back (so do Escape and the close box), "OK" leaves what was written (storing it is the
+// measurement position page's "Save").
 
 #include "kit/CommandForm.h"
 #include "kit/FormBuild.h"

@@ -45,18 +45,19 @@ void PropertyPage::addGroupButtons(int top, std::function<void()> refresh) {
     setClientSizeTwips(kPageWidth, top + 495);
 }
 
-// The row's value goes out with the type it has; the row then shows what the instrument kept.
+// An edited row's value goes out with the type it has; the row then shows what the instrument kept, also
+// after a refusal. A commit that leaves the row as it was read writes nothing.
 void PropertyPage::usrProperty_ChangeValue(int index) {
     if (!isBusy() &&
         ViewOnly()) // a check box is never locked: a click on it shows the instrument's value again
         trapErrors([this, index] { rows_->refreshRow(index); });
-    if (commitIgnored(*this))
+    if (commitIgnored(*this) || !rows_->row(index)->Edited())
         return;
     const std::int16_t id = rows_->id(index);
     const Variant value = rows_->value(index);
     const Family f = family_;
-    command([f, id, value] { (handles().service.get()->*f.write)(id, value); },
-            [this, index] { rows_->refreshRow(index); });
+    writeValue([f, id, value] { (handles().service.get()->*f.write)(id, value); },
+               [this, index] { rows_->refreshRow(index); });
 }
 
 } // namespace vss

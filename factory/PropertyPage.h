@@ -17,14 +17,6 @@ namespace vss {
 // A value committed in a field as the 32-bit integer the instrument takes; throws when it does not fit.
 std::int32_t int32Of(const Variant& value);
 
-// Whether a field's commit on the page is to be left alone. A field raises its commit on every Enter and
-// every loss of the focus, locked or not: no field of a view-only page writes (its group buttons come back
-// after a command, as on every page, and they do what they do). And a field losing the focus as the page
-// turns busy commits again: that is the commit already running.
-inline bool commitIgnored(const SettingsPage& page) {
-    return page.isBusy() || page.ViewOnly();
-}
-
 class PropertyPage : public SettingsPage {
     Q_OBJECT
 

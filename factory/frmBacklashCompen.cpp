@@ -71,14 +71,17 @@ void frmBacklashCompen::refresh() {
     showValue(usrPropBacklashDate_, handles().service->GetBacklashDate());
 }
 
-// Only the entry edited is written; the date shows the instrument's on the next refresh.
+// Only the entry edited is written; the date shows the instrument's on the next refresh. A written value is
+// not read back: once written it is the instrument's. A refused one is, so that the field shows what the
+// instrument holds.
 void frmBacklashCompen::usrBacklash_ChangeValue(int index) {
-    if (commitIgnored(*this))
+    userProperty* field = usrBacklash_[index];
+    if (commitIgnored(*this) || !field->Edited())
         return;
-    command([this, index] {
-        handles().service->SetBacklashCompensation(static_cast<std::int16_t>(index),
-                                                   int32Of(usrBacklash_[index]->Value()));
-    });
+    const auto entry = static_cast<std::int16_t>(index);
+    writeValue([field, entry] { handles().service->SetBacklashCompensation(entry, int32Of(field->Value())); },
+               [field] { showValue(field, field->Value()); },
+               [field, entry] { showValue(field, handles().service->GetBacklashCompensation(entry)); });
 }
 
 } // namespace vss

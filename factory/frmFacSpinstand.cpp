@@ -114,12 +114,6 @@ frmFacSpinstand::frmFacSpinstand(QWidget* parent, bool viewOnly)
     RefreshSpinstandAll();
 }
 
-// Every control is enabled again, the group buttons included; only "Unknown Setting" follows ViewOnly.
-void frmFacSpinstand::EnableAllControls() {
-    SettingsPage::EnableAllControls();
-    chkSettingUnknown_->setEnabled(!ViewOnly());
-}
-
 // Entry j shows the j-th name and carries the j-th code.
 void frmFacSpinstand::BuildSpinstandTypeList() {
     const NamedCodes types = handles().service->GetSpinstandTypeList();
@@ -158,10 +152,12 @@ void frmFacSpinstand::RefreshDiskSize() {
     showValue(usrDiskSizeMax_, range.max);
 }
 
+// Each edit is written and read back, also after a refusal; a commit that leaves its row as it was read (the
+// entry already selected picked again, a radius tabbed through) writes nothing.
 void frmFacSpinstand::usrSsType_ChangeValue() {
-    if (commitIgnored(*this))
+    if (commitIgnored(*this) || !usrSsType_->Edited())
         return;
-    command(
+    writeValue(
         [this] {
             handles().service->SetSpinstandType(
                 static_cast<std::int16_t>(codeAtSelectedPosition(*usrSsType_)));
@@ -170,17 +166,17 @@ void frmFacSpinstand::usrSsType_ChangeValue() {
 }
 
 void frmFacSpinstand::usrHeadFace_ChangeValue() {
-    if (commitIgnored(*this))
+    if (commitIgnored(*this) || !usrHeadFace_->Edited())
         return;
-    command([this] { handles().service->SetHeadFace(codeAtSelectedPosition(*usrHeadFace_)); },
-            [this] { RefreshHeadFace(); });
+    writeValue([this] { handles().service->SetHeadFace(codeAtSelectedPosition(*usrHeadFace_)); },
+               [this] { RefreshHeadFace(); });
 }
 
-// Either radius committed sends both, as the rows show them.
+// Either radius edited sends both, as the rows show them.
 void frmFacSpinstand::WriteDiskSize() {
-    if (commitIgnored(*this))
+    if (commitIgnored(*this) || !(usrDiskSizeMin_->Edited() || usrDiskSizeMax_->Edited()))
         return;
-    command(
+    writeValue(
         [this] {
             const double min = usrDiskSizeMin_->Value().toDouble();
             const double max = usrDiskSizeMax_->Value().toDouble();
@@ -190,8 +186,8 @@ void frmFacSpinstand::WriteDiskSize() {
 }
 
 void frmFacSpinstand::chkSettingUnknown_Click(bool checked) {
-    command([checked] { handles().service->SetSettingUnknown(checked); },
-            [this] { RefreshSettingUnknown(); });
+    writeValue([checked] { handles().service->SetSettingUnknown(checked); },
+               [this] { RefreshSettingUnknown(); });
 }
 
 } // namespace vss

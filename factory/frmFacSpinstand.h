@@ -2,7 +2,7 @@
 
 // The spinstand configuration page: spinstand type, head face, disk size range, the "Unknown Setting" flag
 // and the spindle driver's identification items (read only). It opens the spindle and stage property pages.
-// Every committed value goes to the instrument at once; Save stores the group in the instrument's
+// Every edited value goes to the instrument at once; Save stores the group in the instrument's
 // non-volatile memory.
 
 #include "kit/SettingsPage.h"
@@ -18,9 +18,6 @@ class frmFacSpinstand : public SettingsPage {
 
 public:
     frmFacSpinstand(QWidget* parent, bool viewOnly);
-
-    // The end of the busy bracket leaves "Unknown Setting" as usable as ViewOnly allows.
-    void EnableAllControls() override;
 
 private:
     void BuildSpinstandTypeList();

@@ -42,11 +42,12 @@ void frmFacSpinstandSpindle::RefreshSpeedRange() {
     showValue(usrRpmMax_, range.max);
 }
 
-// Either limit committed sends both, as the rows show them.
+// Either limit edited sends both, as the rows show them; the rows then show what the instrument kept, also
+// after a refusal.
 void frmFacSpinstandSpindle::WriteSpeedRange() {
-    if (commitIgnored(*this))
+    if (commitIgnored(*this) || !(usrRpmMin_->Edited() || usrRpmMax_->Edited()))
         return;
-    command(
+    writeValue(
         [this] {
             const std::int32_t min = int32Of(usrRpmMin_->Value());
             const std::int32_t max = int32Of(usrRpmMax_->Value());

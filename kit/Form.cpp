@@ -8,6 +8,7 @@
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QCloseEvent>
 #include <QComboBox>
 #include <QGroupBox>
 #include <QKeyEvent>
@@ -152,16 +153,27 @@ void Form::DisableAllControls() {
         waitCursor_.emplace();
     if (!focusBeforeBusy_)
         focusBeforeBusy_ = focusWidget();
-    for (QWidget* control : controls())
+    const QList<QWidget*> all = controls();
+    // Each control's own setting, as the bracket found it: a second disabling inside the bracket finds every
+    // control disabled and keeps what the first one found.
+    if (enabledBeforeBusy_.empty()) {
+        for (QWidget* control : all)
+            enabledBeforeBusy_.emplace_back(control, control->isEnabledTo(control->parentWidget()));
+    }
+    for (QWidget* control : all)
         control->setEnabled(false);
     QCoreApplication::processEvents();
 }
 
-// The focus goes back where it was (or where the user was moving it when a field's commit made the window
-// busy), so that the user goes on typing or tabbing as if the window had not been busy.
+// Every control goes back to what the bracket found, not to enabled: a button that a view-only page disabled
+// stays disabled after an Export, a page opened from it or a field left, so that a view-only page stays one
+// until it closes. The focus goes back where it was (or where the user was moving it when a field's commit
+// made the window busy), so that the user goes on typing or tabbing as if the window had not been busy.
 void Form::EnableAllControls() {
-    for (QWidget* control : controls())
-        control->setEnabled(true);
+    for (const auto& [control, enabled] : std::exchange(enabledBeforeBusy_, {})) {
+        if (control)
+            control->setEnabled(enabled);
+    }
     const QPointer<QWidget> focus = std::exchange(focusBeforeBusy_, nullptr);
     endBusy();
     if (focus && !unloaded_ && isVisible() && focus->isEnabled() && focus->isVisible() &&
@@ -227,9 +239,39 @@ void Form::done(int result) {
     QDialog::done(result);
 }
 
+// One of the window's own buttons by name (not one of a window it opened).
+QAbstractButton* Form::button(const char* name) const {
+    for (QWidget* control : controls()) {
+        if (control->objectName() == QLatin1String(name))
+            return qobject_cast<QAbstractButton*>(control);
+    }
+    return nullptr;
+}
+
+// The close box of a window with "Cancel" undoes what Cancel undoes instead of keeping the edits: it presses
+// Cancel, which closes the window once the restore went through and leaves it open when the instrument
+// refused it. A window busy with a command cannot be cancelled; it closes as any window does (the panel below
+// it closing everything above it on an interlock). The close box of any other window unloads it, as Return
+// does.
+void Form::closeEvent(QCloseEvent* event) {
+    QAbstractButton* cancel = button("cmdCancel");
+    if (!cancel || !cancel->isEnabled() || !isVisible()) {
+        QDialog::closeEvent(event);
+        return;
+    }
+    cancel->click();
+    event->setAccepted(!isVisible());
+}
+
+// Escape presses the window's "Cancel", or its "Return" where it has none; a window with neither (the main
+// menu) stays open.
 void Form::keyPressEvent(QKeyEvent* event) {
-    // Escape closes no window: each window closes through its own button or the close box.
     if (event->key() == Qt::Key_Escape) {
+        QAbstractButton* closer = button("cmdCancel");
+        if (!closer)
+            closer = button("cmdReturn");
+        if (closer && closer->isEnabled())
+            closer->click();
         event->accept();
         return;
     }

@@ -11,7 +11,10 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <utility>
+#include <vector>
 
+class QAbstractButton;
 class QLabel;
 class QPushButton;
 
@@ -43,7 +46,8 @@ public:
 
     // The busy bracket. DisableAllControls makes the window busy and shows the wait cursor, disables every
     // control in order and lets the window repaint once before the blocking work that follows;
-    // EnableAllControls enables every control again and ends the busy state. A window may extend
+    // EnableAllControls puts every control back as the first DisableAllControls of the bracket found it and
+    // ends the busy state, so that what a page locked (view-only) stays locked. A window may extend
     // EnableAllControls (the operation panel refreshes its status after it); it calls this base first.
     void DisableAllControls();
     virtual void EnableAllControls();
@@ -52,7 +56,7 @@ public:
     bool isBusy() const { return busy_; }
 
     // Runs a handler's steps inside the bracket. The first step that fails stops the rest; its description is
-    // shown in a message box. The controls are enabled again in every case. Returns whether every step ran,
+    // shown in a message box. The controls are put back in every case. Returns whether every step ran,
     // so that the caller can skip its follow-up after a failure. A window that closes while it repaints at
     // the start of the bracket runs no step.
     bool runBusy(const std::function<void()>& steps);
@@ -81,6 +85,9 @@ protected:
     void closeWindowsAbove();
 
     void done(int result) override;
+    // Escape and the close box: on a window with "Cancel" they do what Cancel does, on the others what
+    // "Return" does.
+    void closeEvent(QCloseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void showEvent(QShowEvent* event) override;
 
@@ -93,8 +100,10 @@ protected:
 
 private:
     void endBusy();
+    QAbstractButton* button(const char* name) const;
 
     bool busy_ = false;
+    std::vector<std::pair<QPointer<QWidget>, bool>> enabledBeforeBusy_; // each control's own setting
     std::optional<WaitCursor> waitCursor_;
     QPointer<QWidget> focusBeforeBusy_;
     bool unloaded_ = false;

@@ -7,19 +7,20 @@
 
 #include <exception>
 #include <functional>
+#include <optional>
 #include <string>
 
 namespace vss {
 namespace {
 
 // An error ends the transfer without a message of its own (a refusal of the instrument, a number too large
-// for its field): what is said about the file is said by the file reader, field by field, as it reads.
-bool transfer(Form& form, const std::function<void()>& steps) {
+// for its field): what is said about the file is said by the file reader, field by field, as it reads. The
+// steps return false when the file dialog was cancelled.
+bool transfer(Form& form, const std::function<bool()>& steps) {
     form.DisableAllControls();
     bool done = false;
     try {
-        steps();
-        done = true;
+        done = steps();
     } catch (const std::exception&) {
     }
     form.EnableAllControls();
@@ -37,16 +38,22 @@ dlgConfigFile& settingFileDialog() {
 bool exportSettingGroup(Form& form, SettingGroup group) {
     const GroupDef& def = groupDef(group);
     return transfer(form, [&] {
-        const std::string file = settingFileDialog().showSave(def.exportTitle);
-        ExportGroup(group, file, handles(), messageSink());
+        const std::optional<std::string> file = settingFileDialog().showSave(def.exportTitle);
+        if (!file)
+            return false; // cancelled: the last file is not appended to again
+        ExportGroup(group, *file, handles(), messageSink());
+        return true;
     });
 }
 
 bool importSettingGroup(Form& form, SettingGroup group) {
     const GroupDef& def = groupDef(group);
     return transfer(form, [&] {
-        const std::string file = settingFileDialog().showOpen(def.importTitle);
-        ImportGroup(def.importCode, file, handles(), messageSink());
+        const std::optional<std::string> file = settingFileDialog().showOpen(def.importTitle);
+        if (!file)
+            return false; // cancelled: the last file is not imported again, and nothing is read back
+        ImportGroup(def.importCode, *file, handles(), messageSink());
+        return true;
     });
 }
 

@@ -7,7 +7,10 @@
 // - Recall: in the busy bracket, the group's recall operation; then the page's refresh;
 // - Export: the group to the file the save dialog gives (the group's dialog title, the setting-file filter);
 // - Import: the group from the file the open dialog gives; then, when the import ran to its end, the page's
-//   refresh (a failed import ends the handler, as any failure does).
+//   refresh (a failed import ends the handler, as any failure does);
+// - a cancelled file dialog ends Export and Import with nothing written and nothing read.
+// A page opened view-only stays so until it closes: its locked fields write nothing, and the buttons it
+// disabled stay disabled after any command (the busy bracket puts every control back as it found it).
 
 #include "kit/CommandForm.h"
 #include "storage/modConfigFile.h"
@@ -92,6 +95,13 @@ private:
     SettingGroup group_;
     bool viewOnly_;
 };
+
+// Whether a field's commit on the page is to be left alone. A field raises its commit on every Enter and
+// every loss of the focus, locked or not: no field of a view-only page writes. And a field losing the focus
+// as the page turns busy commits again: that is the commit already running.
+inline bool commitIgnored(const SettingsPage& page) {
+    return page.isBusy() || page.ViewOnly();
+}
 
 // The group's save and recall operations on the instrument's non-volatile memory. Groups that have none (the
 // piezo control and adjust data, the customer stage configuration, the piezo information) throw

@@ -38,21 +38,24 @@ dlgConfigFile& dlgConfigFile::instance() {
     return dialog;
 }
 
-std::string dlgConfigFile::showSave(std::string_view title) {
+std::optional<std::string> dlgConfigFile::showSave(std::string_view title) {
     return show(title, true);
 }
 
-std::string dlgConfigFile::showOpen(std::string_view title) {
+std::optional<std::string> dlgConfigFile::showOpen(std::string_view title) {
     return show(title, false);
 }
 
-std::string dlgConfigFile::show(std::string_view title, bool save) {
+// A cancelled dialog gives no file, not the name it held: cancelling never writes to or reads the file of the
+// last transfer again.
+std::optional<std::string> dlgConfigFile::show(std::string_view title, bool save) {
     const FileDialogRequest request{std::string(title), filter_, save, fileName_};
     const WaitCursorLift lift;
     const Chooser& chooser = currentChooser();
-    if (std::optional<std::string> chosen = chooser ? chooser(request) : systemChooser(request))
-        fileName_ = std::move(*chosen);
-    return fileName_;
+    std::optional<std::string> chosen = chooser ? chooser(request) : systemChooser(request);
+    if (chosen)
+        fileName_ = *chosen;
+    return chosen;
 }
 
 void dlgConfigFile::reset() {

@@ -1,8 +1,9 @@
 #pragma once
 
 // The one file dialog of the program. Its single instance lives as long as the program, so it remembers the
-// last file name chosen; a cancelled dialog keeps the name it held (empty on first use), and the caller goes
-// on with that name. Tests and scripted runs answer it through a chooser instead of the system's dialog.
+// last file name chosen and opens with it. A cancelled dialog gives no file: the caller does nothing, rather
+// than append to or import the last file again. Tests and scripted runs answer it through a chooser instead
+// of the system's dialog.
 
 #include <QString>
 #include <functional>
@@ -28,9 +29,9 @@ public:
     static dlgConfigFile& instance();
 
     // Shows the save dialog (no overwrite prompt) or the open dialog (no check that the file exists) with the
-    // given title and the current filter, and returns the file name the dialog holds afterwards.
-    std::string showSave(std::string_view title);
-    std::string showOpen(std::string_view title);
+    // given title and the current filter, and returns the file chosen, or nothing when it was cancelled.
+    std::optional<std::string> showSave(std::string_view title);
+    std::optional<std::string> showOpen(std::string_view title);
 
     void setFilter(std::string filter) { filter_ = std::move(filter); }
     const std::string& fileName() const { return fileName_; }
@@ -45,7 +46,7 @@ public:
 
 private:
     dlgConfigFile() = default;
-    std::string show(std::string_view title, bool save);
+    std::optional<std::string> show(std::string_view title, bool save);
 
     std::string filter_{kSettingFileFilter};
     std::string fileName_;

@@ -35,13 +35,17 @@ frmVersion::frmVersion(QWidget* parent, bool factoryMode) : CommandForm(parent),
     setClientSizeTwips(5430, 2640);
     newLabel(this, "lblHwRevision", QStringLiteral("Hardware Revision"), 120, 165, 2295, 255);
     txtHwRevision_ = newTextBox(this, "txtHwRevision", 2520, 120, 2775, 315, !factoryMode_);
-    hwRevision_ = {txtHwRevision_, [](const std::string& t) { handles().service->SetHardwareRevision(t); },
-                   [] { return handles().service->GetHardwareRevision(); }};
+    hwRevision_ = {txtHwRevision_,
+                   [](const std::string& t) { handles().service->SetHardwareRevision(t); },
+                   [] { return handles().service->GetHardwareRevision(); },
+                   {}};
     txtHwRevision_->installEventFilter(this); // Enter and leaving the box: eventFilter, then enterText
     newLabel(this, "lblSerialNumber", QStringLiteral("Spinstand Serial Number"), 120, 585, 2295, 255);
     txtSerialNumber_ = newTextBox(this, "txtSerialNumber", 2520, 540, 2775, 315, !factoryMode_);
-    serialNumber_ = {txtSerialNumber_, [](const std::string& t) { handles().service->SetSerialNumber(t); },
-                     [] { return handles().service->GetSerialNumber(); }};
+    serialNumber_ = {txtSerialNumber_,
+                     [](const std::string& t) { handles().service->SetSerialNumber(t); },
+                     [] { return handles().service->GetSerialNumber(); },
+                     {}};
     txtSerialNumber_->installEventFilter(this); // Enter and leaving the box: eventFilter, then enterText
     newLabel(this, "lblFwRevision", QStringLiteral("Firmware Revision"), 120, 1005, 2295, 255);
     txtFwRevision_ = newTextBox(this, "txtFwRevision", 2520, 960, 2775, 315, true);
@@ -68,8 +72,8 @@ frmVersion::frmVersion(QWidget* parent, bool factoryMode) : CommandForm(parent),
 // main and the service interface each answer the four reads.
 void frmVersion::refresh() {
     const auto show = [this](auto& from) {
-        txtHwRevision_->setText(qtext(from.GetHardwareRevision()));
-        txtSerialNumber_->setText(qtext(from.GetSerialNumber()));
+        showRead(hwRevision_, from.GetHardwareRevision());
+        showRead(serialNumber_, from.GetSerialNumber());
         txtDrvRevision_->setText(qtext(from.GetDriverRevision()));
         txtFwRevision_->setText(qtext(from.GetFirmwareRevision()));
     };
@@ -79,7 +83,12 @@ void frmVersion::refresh() {
         show(*handles().driver);
 }
 
-const frmVersion::EditableText* frmVersion::editableFor(const QObject* box) const {
+void frmVersion::showRead(EditableText& text, const std::string& read) {
+    text.shown = read;
+    text.box->setText(qtext(read));
+}
+
+frmVersion::EditableText* frmVersion::editableFor(const QObject* box) {
     if (box == hwRevision_.box)
         return &hwRevision_;
     if (box == serialNumber_.box)
@@ -88,16 +97,19 @@ const frmVersion::EditableText* frmVersion::editableFor(const QObject* box) cons
 }
 
 bool frmVersion::eventFilter(QObject* watched, QEvent* event) {
-    const EditableText* text = factoryMode_ ? editableFor(watched) : nullptr;
+    EditableText* text = factoryMode_ ? editableFor(watched) : nullptr;
     if (text && (isEnter(event) || isLeaving(event, text->box)))
         enterText(*text);
     return Form::eventFilter(watched, event);
 }
 
-// The box's text is written as it stands, also when unchanged, and the instrument's value is shown after.
-void frmVersion::enterText(const EditableText& text) {
+// A text other than the one read is written, and the instrument's value is shown after, also when it refused
+// the text. Enter on the text as read, or leaving the box unchanged, writes nothing.
+void frmVersion::enterText(EditableText& text) {
     const std::string typed = text.box->text().toStdString();
-    command([&] { text.write(typed); }, [&] { text.box->setText(qtext(text.read())); });
+    if (typed == text.shown)
+        return;
+    writeValue([&] { text.write(typed); }, [&] { showRead(text, text.read()); });
 }
 
 void frmVersion::cmdSave_Click() {

@@ -3,8 +3,8 @@
 // The version window: hardware revision, serial number, firmware and driver revision of the instrument. In
 // normal mode it only reads, through the main interface. In factory mode (opened from the factory menu) the
 // hardware revision and the serial number are edited through the service interface, each written when Enter
-// is pressed in its box or when the edited box is left, and Save and Recall store and reload the version
-// data.
+// is pressed in its box or when the box is left with a text other than the one read, and Save and Recall
+// store and reload the version data.
 
 #include "kit/CommandForm.h"
 
@@ -27,16 +27,19 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
-    // A text the factory may edit: its box, how it is written and how it is read back.
+    // A text the factory may edit: its box, how it is written and how it is read back, and the text last
+    // read.
     struct EditableText {
         QLineEdit* box;
         std::function<void(const std::string&)> write;
         std::function<std::string()> read;
+        std::string shown;
     };
 
     void refresh();
-    void enterText(const EditableText& text);
-    const EditableText* editableFor(const QObject* box) const;
+    static void showRead(EditableText& text, const std::string& read);
+    void enterText(EditableText& text);
+    EditableText* editableFor(const QObject* box);
     void cmdSave_Click();
     void cmdRecall_Click();
 

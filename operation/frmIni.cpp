@@ -13,7 +13,6 @@
 #include "operation/frmIniSetting.h"
 
 #include <QComboBox>
-#include <QKeyEvent>
 #include <QMouseEvent>
 #include <optional>
 
@@ -72,10 +71,6 @@ void frmIni::build() {
         newFrame(this, "frmSpindleSpeed", QStringLiteral("Spindle Speed"), 120, 60, 3000, 1100);
     usrRpm_ = newValueField(frmSpeed, "usrRpm", 120, 270, 2460, 300, {.unit = "rpm"});
     connect(usrRpm_, &userText::ChangeValue, this, &frmIni::usrRpm_ChangeValue);
-    if (auto* rpmBox = usrRpm_->findChild<QLineEdit*>()) {
-        connect(rpmBox, &QLineEdit::textEdited, this, [this] { rpmTyped_ = true; });
-        rpmBox->installEventFilter(this);
-    }
     auto* updnRpm = put(new UpDown(frmSpeed), "updnRpm", 2620, 270, 255, 300);
     connect(updnRpm, &UpDown::down, this, [this] { updnRpm_Click(-1); });
     connect(updnRpm, &UpDown::up, this, [this] { updnRpm_Click(+1); });
@@ -295,7 +290,8 @@ void frmIni::RefreshSpindleState() {
 
 void frmIni::RefreshStateAtHome() {
     // A code that matches no entry shows no selection.
-    cmbStateAtHome_->setCurrentIndex(cmbStateAtHome_->findData(handles().driver->GetHomeState()));
+    homeState_ = handles().driver->GetHomeState();
+    cmbStateAtHome_->setCurrentIndex(cmbStateAtHome_->findData(*homeState_));
 }
 
 void frmIni::RefreshHeadLoader() {
@@ -406,28 +402,22 @@ void frmIni::setHeadLoader(bool down) {
     });
 }
 
+// Picking the entry of the setting the instrument has writes nothing.
 void frmIni::cmbStateAtHome_Click(int index) {
     const std::int32_t code = cmbStateAtHome_->itemData(index).toInt();
+    if (code == homeState_)
+        return;
     command([code] { handles().driver->SetHomeState(code); });
 }
 
 // A speed typed and committed goes to the instrument as it is: the instrument decides whether it can run at
-// it. Enter sends the speed even when it was not edited; passing through the field sends nothing.
+// it. A commit that leaves the speed as it was read (Enter on it, the keyboard passing through) sends
+// nothing; a refused speed gives way to the instrument's, read again.
 void frmIni::usrRpm_ChangeValue() {
-    if (isBusy() ||
-        !rpmTyped_) // the field gives up the focus when the panel turns busy: that commit is this one
+    if (!usrRpm_->Edited())
         return;
-    rpmTyped_ = false;
-    command([this] { ApplySpeed(usrRpm_->Value().int32()); });
-}
-
-bool frmIni::eventFilter(QObject* watched, QEvent* event) {
-    if (event->type() == QEvent::KeyPress) {
-        const int key = static_cast<QKeyEvent*>(event)->key();
-        if (key == Qt::Key_Return || key == Qt::Key_Enter)
-            rpmTyped_ = true;
-    }
-    return PollingForm::eventFilter(watched, event);
+    const std::int32_t rpm = usrRpm_->Value().int32();
+    writeValue([this, rpm] { ApplySpeed(rpm); }, {}, [this] { RefreshSpeed(); });
 }
 
 // The stepped speed comes from the speed list, searched for the instrument's speed, within its range. The

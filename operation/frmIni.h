@@ -13,6 +13,7 @@
 #include <array>
 #include <cstdint>
 #include <functional>
+#include <optional>
 
 class QComboBox;
 class QGroupBox;
@@ -47,7 +48,6 @@ public:
 
 protected:
     void mousePressEvent(QMouseEvent* event) override;
-    bool eventFilter(QObject* watched, QEvent* event) override;
     void onUnload() override;
     void onPoll() override;
 
@@ -84,8 +84,8 @@ private:
     void updnRpm_Click(int direction);
     void ApplySpeed(std::int32_t rpm);
 
-    std::array<double, 3> posRadius_{}; // Pos1Radius..Pos3Radius, metres
-    bool rpmTyped_ = false;             // a speed was typed, or Enter pressed, since the last one sent
+    std::array<double, 3> posRadius_{};     // Pos1Radius..Pos3Radius, metres
+    std::optional<std::int32_t> homeState_; // the spindle setting at home as last read
 
     userText* usrRpm_ = nullptr;
     userText* usrRpmMin_ = nullptr;

@@ -156,25 +156,35 @@ void frmIniSetting::RefreshLoadPosition() {
     const PositionRecord unload = positions.GetLoadPosition(loadposition::Unload).position;
     usrUnloadRadius_->setValue(unload.radius);
     usrUnloadSkew_->setValue(unload.skew);
-    // The box is checked while the restriction is off.
+    showRestriction();
+}
+
+// The box is checked while the restriction is off.
+void frmIniSetting::showRestriction() {
     chkDiskSizeRestrictionOn_->setChecked(!handles().diskSize->GetDiskSizeRestriction());
 }
 
 void frmIniSetting::RefreshLoadMethod() {
-    cmbLoadMethod_->setCurrentIndex(
-        cmbLoadMethod_->findData(static_cast<int>(handles().driver->GetLoadMethod())));
+    loadMethod_ = handles().driver->GetLoadMethod();
+    cmbLoadMethod_->setCurrentIndex(cmbLoadMethod_->findData(static_cast<int>(*loadMethod_)));
 }
 
+// Every write below is read back also when the instrument refused it, so that no field goes on showing a
+// refused value.
+
+// Picking the entry of the method the instrument has writes nothing.
 void frmIniSetting::cmbLoadMethod_Click(int index) {
     const auto method = static_cast<std::int16_t>(cmbLoadMethod_->itemData(index).toInt());
-    command([method] { handles().driver->SetLoadMethod(method); }, [this] { RefreshLoadMethod(); });
+    if (method == loadMethod_)
+        return;
+    writeValue([method] { handles().driver->SetLoadMethod(method); }, [this] { RefreshLoadMethod(); });
 }
 
 // Only the radii are sent: the skew is left to the instrument and so is the spindle speed (-1).
 void frmIniSetting::cmdLoadPosition_Click() {
     const double load = usrLoadRadius_->Value().toDouble();
     const double unload = usrUnloadRadius_->Value().toDouble();
-    command(
+    writeValue(
         [load, unload] {
             IDriverLoadPosition& positions = *handles().loadPosition;
             positions.SetLoadPosition(loadposition::Load, {load, kNoSkew}, -1);
@@ -187,12 +197,13 @@ void frmIniSetting::cmdDataArea_Click() {
     const double inner = usrInnerRadius_->Value().toDouble();
     const auto maxTrack = static_cast<std::int32_t>(usrMaxTrack_->Value().toDouble());
     const double pitch = usrPitch_->Value().toDouble();
-    command([=] { handles().driver->SetDataArea(inner, maxTrack, pitch); }, [this] { RefreshDataArea(); });
+    writeValue([=] { handles().driver->SetDataArea(inner, maxTrack, pitch); }, [this] { RefreshDataArea(); });
 }
 
-// Checked means the restriction is off.
+// Checked means the restriction is off. It is not read back after it is written; a refused one is.
 void frmIniSetting::chkDiskSizeRestrictionOn_Click(bool checked) {
-    command([checked] { handles().diskSize->SetDiskSizeRestriction(!checked); });
+    writeValue([checked] { handles().diskSize->SetDiskSizeRestriction(!checked); }, {},
+               [this] { showRestriction(); });
 }
 
 void frmIniSetting::cmdImport_Click() {

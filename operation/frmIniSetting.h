@@ -6,6 +6,9 @@
 
 #include "kit/CommandForm.h"
 
+#include <cstdint>
+#include <optional>
+
 class QCheckBox;
 class QComboBox;
 class QLineEdit;
@@ -29,6 +32,7 @@ private:
     void RefreshMisc();
     void RefreshLoadPosition();
     void RefreshLoadMethod();
+    void showRestriction();
     void UpdateOuterRadius();
 
     void cmbLoadMethod_Click(int index);
@@ -53,6 +57,7 @@ private:
     QLineEdit* txtFace_ = nullptr;
     QLineEdit* txtIndexPolarity_ = nullptr;
     userText* usrFinePositionLimit_ = nullptr;
+    std::optional<std::int16_t> loadMethod_; // as last read
 };
 
 } // namespace vss

@@ -101,8 +101,7 @@ void frmFacPiezo::setLabels() {
 }
 
 void frmFacPiezo::refreshAll() {
-    serialRead_ = handles().service->GetPiezoSerial();
-    showValue(usrPiezoSerial_, Variant(serialRead_));
+    showValue(usrPiezoSerial_, Variant(handles().service->GetPiezoSerial()));
     adjust_->refreshAll();
     refreshCalibration();
     refreshControlData();
@@ -116,7 +115,6 @@ void frmFacPiezo::refreshCalibration() {
     usrXmin_->setValue(cal.xmin);
     usrXmax_->setValue(cal.xmax);
     calRead_ = cal;
-    calKnown_ = true;
     for (std::size_t i = 0; i < usrCalCoef_.size(); ++i) {
         usrCalCoef_[i]->setVisible(i < cal.coef.size());
         if (i < cal.coef.size())
@@ -150,33 +148,34 @@ std::optional<PiezoCalCoef> frmFacPiezo::typedCalibration() const {
     return cal;
 }
 
+// Every edit below is written only when a field holds a value other than the one read, and read back also
+// when the instrument refused it.
 void frmFacPiezo::usrPiezoSerial_ChangeValue() {
     const Variant serial = usrPiezoSerial_->Value();
-    if (isBusy() || serial.type() != Variant::Type::Text || serial.text() == serialRead_)
+    if (serial.type() != Variant::Type::Text || !usrPiezoSerial_->Edited())
         return;
-    // The serial is not read back: once written, the text shown is the instrument's.
-    if (command([&serial] { handles().service->SetPiezoSerial(serial.text()); }))
-        serialRead_ = serial.text();
+    // The serial is not read back after it is written: once written, the text shown is the instrument's.
+    writeValue([&serial] { handles().service->SetPiezoSerial(serial.text()); },
+               [this, &serial] { showValue(usrPiezoSerial_, serial); },
+               [this] { showValue(usrPiezoSerial_, Variant(handles().service->GetPiezoSerial())); });
 }
 
 void frmFacPiezo::usrAdjust_ChangeValue(int index) {
     const std::optional<std::int32_t> dac = adjust_->edited(index);
-    if (isBusy() || !dac) // a commit caused by the window's own disabling, or no edit
+    if (!dac)
         return;
-    command([this, index, dac] { adjust_->write(index, *dac); }, [this, index] { adjust_->refresh(index); });
+    writeValue([this, index, dac] { adjust_->write(index, *dac); },
+               [this, index] { adjust_->refresh(index); });
 }
 
 // Any field of the calibration writes the whole set in one call.
 void frmFacPiezo::calibration_ChangeValue() {
     const std::optional<PiezoCalCoef> cal = typedCalibration();
-    if (isBusy() || !cal || (calKnown_ && *cal == calRead_))
+    const auto edited = [](const auto* field) { return field->Edited(); };
+    if (!cal || !(edited(usrVmin_) || edited(usrVmax_) || edited(usrXmin_) || edited(usrXmax_) ||
+                  std::any_of(usrCalCoef_.begin(), usrCalCoef_.end(), edited)))
         return;
-    command(
-        [this, &cal] {
-            handles().service->SetPiezoCalCoef(*cal);
-            calKnown_ = false; // until it is read back, whatever the fields hold counts as an edit
-        },
-        [this] { refreshCalibration(); });
+    writeValue([&cal] { handles().service->SetPiezoCalCoef(*cal); }, [this] { refreshCalibration(); });
 }
 
 void frmFacPiezo::cmdAdvanced_Click() {

@@ -15,7 +15,6 @@
 #include <array>
 #include <memory>
 #include <optional>
-#include <string>
 
 namespace vss {
 
@@ -55,11 +54,8 @@ private:
     std::array<userProperty*, kCoefRows> usrCalCoef_{};
     std::unique_ptr<AdjustRows> adjust_;
     std::unique_ptr<ControlDataFields> control_;
-    // What the instrument gave at the last refresh: a commit that leaves a field as it was read (the keyboard
-    // passing through) writes nothing. The calibration read also holds the coefficients beyond the rows.
-    std::string serialRead_;
+    // The calibration as last read: the coefficients beyond the rows are written back as they were read.
     PiezoCalCoef calRead_;
-    bool calKnown_ = false; // calRead_ is what the instrument holds
 };
 
 } // namespace vss

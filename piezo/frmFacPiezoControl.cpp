@@ -3,6 +3,7 @@
 #include "kit/FormBuild.h"
 #include "kit/modGlobal.h"
 
+#include <algorithm>
 #include <vector>
 
 namespace vss {
@@ -89,6 +90,12 @@ PiezoControlData ControlDataFields::edited(PiezoControlData read) const {
     return read;
 }
 
+bool ControlDataFields::anyEdited() const {
+    return std::any_of(fields_.begin(), fields_.end(), [](const auto& row) {
+        return std::any_of(row.begin(), row.end(), [](const userText* f) { return f->Edited(); });
+    });
+}
+
 frmFacPiezoControl::frmFacPiezoControl(QWidget* parent)
     : SettingsPage(parent, SettingGroup::PiezoControlData, false) {
     setWindowTitle(QStringLiteral("Piezo Control Data (Factory use only)"));
@@ -127,22 +134,16 @@ frmFacPiezoControl::~frmFacPiezoControl() = default;
 
 void frmFacPiezoControl::refresh() {
     shown_ = handles().service->GetPiezoControlData();
-    shownKnown_ = true;
     fields_->show(shown_);
 }
 
-// The whole set is written, the hidden rows with what was read. A commit that leaves every field as it was
-// read (the keyboard passing through) writes nothing.
+// The whole set is written, the hidden rows with what was read, and read back also when the instrument
+// refused it. A commit that leaves every field as it was read (the keyboard passing through) writes nothing.
 void frmFacPiezoControl::field_ChangeValue() {
-    const PiezoControlData edited = fields_->edited(shown_);
-    if (isBusy() || (shownKnown_ && edited == shown_)) // also the commit that the window's disabling causes
+    if (!fields_->anyEdited())
         return;
-    command(
-        [this, &edited] {
-            handles().service->SetPiezoControlData(edited);
-            shownKnown_ = false; // until it is read back, whatever the fields hold counts as an edit
-        },
-        [this] { refresh(); });
+    const PiezoControlData edited = fields_->edited(shown_);
+    writeValue([&edited] { handles().service->SetPiezoControlData(edited); }, [this] { refresh(); });
 }
 
 void frmFacPiezoControl::cmdCancel_Click() {

@@ -2,8 +2,8 @@
 
 // The piezo control data editor, opened by "Advanced" on the piezo data window: five quantities in two rows,
 // each edit written to the instrument at once as a whole set. The window remembers what the instrument held
-// when it opened; "Cancel" writes that back, "OK" keeps what was written. Row 1 of Lth and Tstep is not
-// shown, but is written back with every edit as it was read.
+// when it opened; "Cancel" writes that back (so do Escape and the close box), "OK" keeps what was written.
+// Row 1 of Lth and Tstep is not shown, but is written back with every edit as it was read.
 
 #include "driver/Types.h"
 #include "kit/SettingsPage.h"
@@ -32,6 +32,8 @@ public:
     // `read` with the rows the fields hold put in its place: rows the fields do not have, and fields whose
     // value is not a number, keep what was read.
     PiezoControlData edited(PiezoControlData read) const;
+    // Whether a field holds a value other than the one shown last.
+    bool anyEdited() const;
 
     userText* field(int quantity, int row) const {
         return fields_[static_cast<std::size_t>(row)][static_cast<std::size_t>(quantity)];
@@ -58,7 +60,6 @@ private:
     std::unique_ptr<ControlDataFields> fields_;
     PiezoControlData restore_; // as the instrument held it when the window opened
     PiezoControlData shown_;   // as last read
-    bool shownKnown_ = false;  // shown_ is what the instrument holds
 };
 
 } // namespace vss

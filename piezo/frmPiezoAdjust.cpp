@@ -17,7 +17,7 @@ constexpr int kRowHeight = 300;
 } // namespace
 
 AdjustRows::AdjustRows(QWidget* frame, int rows, int left, int top, int width)
-    : read_(static_cast<std::size_t>(rows)), inUse_(static_cast<std::size_t>(rows)) {
+    : inUse_(static_cast<std::size_t>(rows)) {
     for (int i = 0; i < rows; ++i) {
         const QByteArray name = "usrAdjust_" + QByteArray::number(i);
         rows_.push_back(
@@ -44,21 +44,19 @@ void AdjustRows::refreshAll() {
 
 void AdjustRows::refresh(int index) {
     const std::int32_t dac = handles().service->GetPiezoAdjust(static_cast<std::int16_t>(index));
-    read_[static_cast<std::size_t>(index)] = dac;
     showValue(rows_[static_cast<std::size_t>(index)], Variant(dac));
 }
 
 std::optional<std::int32_t> AdjustRows::edited(int index) const {
-    const auto row = static_cast<std::size_t>(index);
-    const Variant value = rows_[row]->Value();
-    if (value.type() != Variant::Type::Int32 || value.int32() == read_[row])
+    const userProperty& row = *rows_[static_cast<std::size_t>(index)];
+    const Variant value = row.Value();
+    if (value.type() != Variant::Type::Int32 || !row.Edited())
         return std::nullopt;
     return value.int32();
 }
 
 void AdjustRows::write(int index, std::int32_t dac) {
     handles().service->SetPiezoAdjust(static_cast<std::int16_t>(index), dac);
-    read_[static_cast<std::size_t>(index)].reset();
 }
 
 int AdjustRows::bottomTwips(int rows, int top) {
@@ -110,15 +108,19 @@ void frmPiezoAdjust::onPoll() {
     showText(txtBalanced_, balanced ? QStringLiteral("Balanced") : QStringLiteral("Unbalance"));
 }
 
+// The loop is not read back after it is switched; a refused switch is, so that the box shows the loop as the
+// instrument has it.
 void frmPiezoAdjust::chkPiezoLoop_Click(bool checked) {
-    command([checked] { handles().service->SetPiezoLoop(checked); });
+    writeValue([checked] { handles().service->SetPiezoLoop(checked); }, {},
+               [this] { chkPiezoLoop_->setChecked(handles().service->GetPiezoLoop()); });
 }
 
 void frmPiezoAdjust::usrAdjust_ChangeValue(int index) {
     const std::optional<std::int32_t> dac = adjust_->edited(index);
-    if (isBusy() || !dac) // a commit caused by the window's own disabling, or no edit
+    if (!dac) // no edit
         return;
-    command([this, index, dac] { adjust_->write(index, *dac); }, [this, index] { adjust_->refresh(index); });
+    writeValue([this, index, dac] { adjust_->write(index, *dac); },
+               [this, index] { adjust_->refresh(index); });
 }
 
 void frmPiezoAdjust::cmdImport_Click() {

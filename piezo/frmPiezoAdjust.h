@@ -21,10 +21,10 @@ namespace vss {
 class userProperty;
 
 // The DAC adjust values as labelled fields usrAdjust_<i>, 0 to rows - 1. Field i shows the point whose index
-// in the instrument's adjust list is i: the element at that index labels it, and the point is read and written
-// with that index. A field whose index the list does not hold is hidden and never read; points beyond the
-// fields are not shown. A commit that leaves a field's value as the instrument gave it (the keyboard passing
-// through) is not an edit.
+// in the instrument's adjust list is i: the element at that index labels it, and the point is read and
+// written with that index. A field whose index the list does not hold is hidden and never read; points beyond
+// the fields are not shown. A commit that leaves a field's value as the instrument gave it (the keyboard
+// passing through) is not an edit.
 class AdjustRows {
 public:
     AdjustRows(QWidget* frame, int rows, int left, int top, int width);
@@ -36,7 +36,6 @@ public:
     void refresh(int index);
     // The value committed in a field, when it is a number other than the one last read.
     std::optional<std::int32_t> edited(int index) const;
-    // Writes a point. Until it is read back, whatever the field then holds counts as an edit.
     void write(int index, std::int32_t dac);
 
     const std::vector<userProperty*>& rows() const { return rows_; }
@@ -45,8 +44,7 @@ public:
 
 private:
     std::vector<userProperty*> rows_;
-    std::vector<std::optional<std::int32_t>> read_; // empty: not read since the last write
-    std::vector<bool> inUse_;                       // the list holds the field's index
+    std::vector<bool> inUse_; // the list holds the field's index
 };
 
 class frmPiezoAdjust : public PollingForm {

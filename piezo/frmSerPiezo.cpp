@@ -29,6 +29,16 @@ QTableWidget* newGrid(QWidget* frame, const char* name, const QString& accessibl
     return grid;
 }
 
+// Shortens a grid to whole rows, so that the last row it shows is never cut in half; its top stays.
+void showWholeRows(QTableWidget* grid) {
+    const int frame = 2 * grid->frameWidth();
+    const QHeaderView* header = grid->horizontalHeader();
+    const int headerHeight = header->isHidden() ? 0 : header->sizeHint().height();
+    const int row = grid->verticalHeader()->defaultSectionSize();
+    const int rows = (grid->height() - frame - headerHeight) / row;
+    grid->resize(grid->width(), frame + headerHeight + rows * row);
+}
+
 void setCell(QTableWidget* grid, int row, int column, const QString& text) {
     auto* cell = new QTableWidgetItem(text);
     cell->setTextAlignment(Qt::AlignRight | Qt::AlignVCenter);
@@ -75,6 +85,8 @@ frmSerPiezo::frmSerPiezo(QWidget* parent) : CommandForm(parent) {
         grdPiezoControl_->setVerticalHeaderItem(
             r, new QTableWidgetItem(QString::fromLatin1(kControlRows[r].name)));
     grdPiezoControl_->horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
+    showWholeRows(grdPiezoCal_);
+    showWholeRows(grdPiezoControl_);
     QPushButton* cmdExport = newButton(this, "cmdExport", QStringLiteral("Export"), 120, 6420, 1215, 375);
     connect(cmdExport, &QPushButton::clicked, this,
             [this] { exportSettingGroup(*this, SettingGroup::PiezoInformation); });

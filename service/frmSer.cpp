@@ -90,7 +90,9 @@ void frmSer::build() {
         newFrame(frmDirect, "frmHeadLoader", QStringLiteral("Head Loader"), 3140, 240, 2980, 1000);
     optHeadLoader_.group =
         newOptions(frmHeadLoader, "optHeadLoader", {{1, "Down (Load)"}, {0, "Up (Unload)"}}, 1800);
-    sendOnClick(optHeadLoader_, [](int index) { handles().service->SetHeadLoaderState(index == 0); });
+    sendOnClick(
+        optHeadLoader_, [](int index) { handles().service->SetHeadLoaderState(index == 0); },
+        &frmSer::showHeadLoaderOption);
     txtSpindleSet_ =
         labelledBox(frmDirect, "lblSpindleSet", "Spindle Set", "txtSpindleSet", 3260, 1340, 4620, 1500);
     txtVacuum_ = labelledBox(frmDirect, "lblVacuum", "Vacuum", "txtVacuum", 3260, 1700, 4620, 1500);
@@ -127,7 +129,9 @@ void frmSer::build() {
     QGroupBox* frmStopper =
         newFrame(frmDirect, "frmStopper", QStringLiteral("Stopper"), 3140, 2060, 2980, 1000);
     optStopper_.group = newOptions(frmStopper, "optStopper", {{0, "Up"}, {1, "Down"}}, 1200);
-    sendOnClick(optStopper_, [](int index) { handles().service->SetStopper(index == 0); });
+    sendOnClick(
+        optStopper_, [](int index) { handles().service->SetStopper(index == 0); },
+        &frmSer::showStopperOption);
     txtStopperUp_ = statusBox(frmStopper, "txtStopperUp", QStringLiteral("Stopper up sensor"),
                               QStringLiteral("Stopper Up"), 1440, 270, 1420);
     txtStopperDn_ = statusBox(frmStopper, "txtStopperDn", QStringLiteral("Stopper down sensor"),
@@ -136,14 +140,18 @@ void frmSer::build() {
     QGroupBox* frmLockdown =
         newFrame(frmDirect, "frmLockdown", QStringLiteral("Lockdown"), 120, 3700, 2900, 1000);
     optLockdown_.group = newOptions(frmLockdown, "optLockdown", {{1, "Free"}, {0, "Lockdown"}}, 1300);
-    sendOnClick(optLockdown_, [](int index) { handles().service->SetLockdown(index == 0); });
+    sendOnClick(
+        optLockdown_, [](int index) { handles().service->SetLockdown(index == 0); },
+        &frmSer::showLockdownOption);
     txtLockdown_ =
         statusBox(frmLockdown, "txtLockdown", QStringLiteral("Lockdown sensor"), QString(), 1440, 270, 1340);
 
     QGroupBox* frmStage =
         newFrame(frmDirect, "frmStage", QStringLiteral("Stage Motor"), 3140, 3700, 2980, 1000);
     optStageMotor_.group = newOptions(frmStage, "optStageMotor", {{0, "Off"}, {1, "Standby"}}, 1300);
-    sendOnClick(optStageMotor_, [](int index) { handles().service->SetStageMotor(index); });
+    sendOnClick(
+        optStageMotor_, [](int index) { handles().service->SetStageMotor(index); },
+        &frmSer::showStageMotorOption);
 
     buildStageJog(frmDirect);
 
@@ -178,7 +186,9 @@ void frmSer::buildSpindle(QWidget* frame) {
     txtSpindleState_ =
         statusBox(frmSpindle, "txtSpindleState", QStringLiteral("Spindle state"), QString(), 1500, 660, 1280);
     optSpindle_.group = newOptions(frmSpindle, "optSpindle", {{2, "Run"}, {1, "Standby"}, {0, "Off"}}, 1300);
-    sendOnClick(optSpindle_, [](int index) { handles().service->SetSpindleState(index); });
+    sendOnClick(
+        optSpindle_, [](int index) { handles().service->SetSpindleState(index); },
+        &frmSer::showSpindleOption);
     // The options stand under the speed, beside the state.
     for (QAbstractButton* option : optSpindle_.group->buttons())
         option->move(option->x(), option->y() + twipsToPixels(390));
@@ -233,10 +243,12 @@ QButtonGroup* frmSer::newOptions(QWidget* frame, const char* name,
 }
 
 // A user's click on one of the group's options sends it: the option's index decides the argument (the head
-// loader, lockdown and stopper send true for index 0).
-void frmSer::sendOnClick(Options& options, std::function<void(int)> send) {
+// loader, lockdown and stopper send true for index 0). reread selects the option from the instrument.
+void frmSer::sendOnClick(Options& options, std::function<void(int)> send, void (frmSer::*reread)()) {
     connect(options.group, &QButtonGroup::idClicked, this,
-            [this, &options, send = std::move(send)](int index) { sendOption(options, index, send); });
+            [this, &options, send = std::move(send), reread](int index) {
+                sendOption(options, index, send, [this, reread] { (this->*reread)(); });
+            });
 }
 
 // ---------------------------------------------------------------------------------------------------------------
@@ -254,11 +266,9 @@ void frmSer::select(Options& options, int index) {
 void frmSer::refreshOptions() {
     refreshSpeed();
     showStopperOption();
-    select(optHeadLoader_, handles().service->GetHeadLoaderState() ? 0 : 1);
+    showHeadLoaderOption();
     showLockdownOption();
-    // The spindle options' indices are the state codes: a state that no option stands for (unlocked, unknown)
-    // leaves all three cleared.
-    select(optSpindle_, handles().service->GetSpindleState());
+    showSpindleOption();
     showStageMotorOption();
 }
 
@@ -267,6 +277,16 @@ void frmSer::refreshStageOptions() {
     showStopperOption();
     showLockdownOption();
     showStageMotorOption();
+}
+
+void frmSer::showHeadLoaderOption() {
+    select(optHeadLoader_, handles().service->GetHeadLoaderState() ? 0 : 1);
+}
+
+// The spindle options' indices are the state codes: a state that no option stands for (unlocked, unknown)
+// leaves all three cleared.
+void frmSer::showSpindleOption() {
+    select(optSpindle_, handles().service->GetSpindleState());
 }
 
 void frmSer::showStopperOption() {
@@ -282,8 +302,7 @@ void frmSer::showStageMotorOption() {
 }
 
 void frmSer::refreshSpeed() {
-    rpmShown_ = handles().service->GetSpindleRpm();
-    showValue(usrRpm_, Variant(rpmShown_));
+    showValue(usrRpm_, Variant(handles().service->GetSpindleRpm()));
 }
 
 // ---------------------------------------------------------------------------------------------------------------
@@ -328,23 +347,26 @@ void frmSer::showRegion(const std::optional<Variant>& region) {
 // ---------------------------------------------------------------------------------------------------------------
 // Commands
 
-// A refused option goes back to the option that showed the instrument's state before the click.
-void frmSer::sendOption(Options& options, int index, const std::function<void(int)>& send) {
-    if (command([&] { send(index); }))
-        options.shown = index;
-    else
-        select(options, options.shown);
+// A refused option gives way to the instrument's state, read again; when that read fails too, to the option
+// that showed it before the click.
+void frmSer::sendOption(Options& options, int index, const std::function<void(int)>& send,
+                        const std::function<void()>& reread) {
+    writeValue([&] { send(index); }, [&] { options.shown = index; },
+               [&] {
+                   select(options, options.shown);
+                   reread();
+               });
 }
 
-// Every committed speed is sent, changed or not; text that is not a whole number in range leaves the field's
-// value as it was. A refused speed gives way to the instrument's own again.
+// A speed typed and committed is sent and read back, also when the instrument refused it; text that is not a
+// whole number in range leaves the field's value as it was. A commit that leaves the speed as it was read
+// sends nothing.
 void frmSer::usrRpm_ChangeValue() {
     const Variant typed = usrRpm_->Value();
-    if (isBusy() || typed.type() != Variant::Type::Int32)
+    if (typed.type() != Variant::Type::Int32 || !usrRpm_->Edited())
         return;
     const std::int32_t rpm = typed.int32();
-    if (!command([rpm] { handles().service->SetSpindleRpm(rpm); }, [this] { refreshSpeed(); }))
-        showValue(usrRpm_, Variant(rpmShown_));
+    writeValue([rpm] { handles().service->SetSpindleRpm(rpm); }, [this] { refreshSpeed(); });
 }
 
 void frmSer::cmdPosition_Click(std::int16_t position) {
@@ -430,9 +452,10 @@ std::string frmSer::restoreLoadSetting(const LoadSetting& saved) {
                 (problems.empty() ? "" : "\n") + what.toStdString() + " could not be put back: " + e.what();
         }
     };
-    attempt(QStringLiteral("The load position (radius %1 mm)").arg(saved.load.radius * 1000.0), [&saved] {
-        handles().loadPosition->SetLoadPosition(loadposition::Load, {saved.load.radius, kNoSkew}, -1);
-    });
+    // The load position goes back exactly as it was read, its skew with its radius: a skew of its own is
+    // kept.
+    attempt(QStringLiteral("The load position (radius %1 mm)").arg(saved.load.radius * 1000.0),
+            [&saved] { handles().loadPosition->SetLoadPosition(loadposition::Load, saved.load, -1); });
     attempt(QStringLiteral("The disk size restriction (%1)").arg(saved.restriction ? "on" : "off"),
             [&saved] { handles().diskSize->SetDiskSizeRestriction(saved.restriction); });
     return problems;

@@ -5,7 +5,8 @@
 // the engineer enters in the backlash compensation data.
 //
 // The option groups show what the instrument reports: the panel selects them from the instrument on load and
-// after Reset (and the stage options after a stage move) without sending anything; only a user's click sends.
+// after Reset (the stage options also after a stage move, a group also after a click the instrument refused)
+// without sending anything; only a user's click sends.
 // A failing read in the status tick never shows a message: that item goes blank until a read succeeds again.
 
 #include "driver/Types.h"
@@ -72,12 +73,14 @@ private:
     void buildBacklash(QWidget* parent);
     static QButtonGroup* newOptions(QWidget* frame, const char* name,
                                     std::initializer_list<std::pair<int, const char*>> options, int width);
-    void sendOnClick(Options& options, std::function<void(int)> send);
+    void sendOnClick(Options& options, std::function<void(int)> send, void (frmSer::*reread)());
 
     // Options from the instrument; nothing is sent.
     static void select(Options& options, int index);
     void refreshOptions();
     void refreshStageOptions();
+    void showHeadLoaderOption();
+    void showSpindleOption();
     void showStopperOption();
     void showLockdownOption();
     void showStageMotorOption();
@@ -85,7 +88,8 @@ private:
     void showRegion(const std::optional<Variant>& region);
 
     // Commands.
-    void sendOption(Options& options, int index, const std::function<void(int)>& send);
+    void sendOption(Options& options, int index, const std::function<void(int)>& send,
+                    const std::function<void()>& reread);
     void usrRpm_ChangeValue();
     void cmdPosition_Click(std::int16_t position);
     void cmdJogExec_Click();
@@ -95,8 +99,6 @@ private:
     static void loadAtBacklashRadius();
     static void moveStage(std::int16_t start, double target);
     static std::string restoreLoadSetting(const LoadSetting& saved);
-
-    std::int32_t rpmShown_ = 0; // the speed last read from the instrument
 
     userProperty* usrRpm_ = nullptr;
     userProperty* usrDir_ = nullptr;

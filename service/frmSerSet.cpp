@@ -5,10 +5,13 @@
 #include "kit/modGlobal.h"
 #include "storage/modSsDefine.h"
 
+#include <QAbstractItemView>
 #include <QComboBox>
 #include <QCoreApplication>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QRadioButton>
+#include <functional>
 
 namespace vss {
 
@@ -23,6 +26,64 @@ std::string catalogueFile() {
         .toStdString();
 }
 
+// The model list. Browsing the list writes nothing; a model is applied only when chosen. The keys that move
+// through the closed list (arrows, Page Up and Down, Home, End, typing a name) only select; Enter chooses the
+// model selected, and so does a click or Enter on an item of the open list, or the key that closes the open
+// list (F4, Alt+Up, Alt+Down) on an item. Escape or a click elsewhere closes the open list, choosing nothing.
+class ModelList : public QComboBox {
+public:
+    ModelList(QWidget* parent, std::function<void(int)> chosen)
+        : QComboBox(parent), chosen_(std::move(chosen)) {
+        connect(this, &QComboBox::activated, this, [this](int index) {
+            if (!browsing_)
+                chosen_(index);
+        });
+        // After the open list's own filter, so that this one sees its keys first.
+        view()->installEventFilter(this);
+    }
+
+protected:
+    void keyPressEvent(QKeyEvent* event) override {
+        if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
+            event->accept();
+            chosen_(currentIndex());
+            return;
+        }
+        browse([&] { QComboBox::keyPressEvent(event); });
+    }
+    void inputMethodEvent(QInputMethodEvent* event) override {
+        browse([&] { QComboBox::inputMethodEvent(event); });
+    }
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (watched == view() && event->type() == QEvent::ShortcutOverride &&
+            closesOnItem(*static_cast<QKeyEvent*>(event))) {
+            const int row = view()->currentIndex().row();
+            hidePopup();
+            if (row >= 0) {
+                setCurrentIndex(row);
+                chosen_(row);
+            }
+            return true;
+        }
+        return QComboBox::eventFilter(watched, event);
+    }
+
+private:
+    void browse(const std::function<void()>& move) {
+        browsing_ = true;
+        move();
+        browsing_ = false;
+    }
+    static bool closesOnItem(const QKeyEvent& key) {
+        const bool alt = key.modifiers().testFlag(Qt::AltModifier);
+        return (key.key() == Qt::Key_F4 && !alt) ||
+               (alt && (key.key() == Qt::Key_Up || key.key() == Qt::Key_Down));
+    }
+
+    std::function<void(int)> chosen_;
+    bool browsing_ = false;
+};
+
 } // namespace
 
 frmSerSet::frmSerSet(QWidget* parent) : CommandForm(parent) {
@@ -31,8 +92,8 @@ frmSerSet::frmSerSet(QWidget* parent) : CommandForm(parent) {
 
     QLabel* lblSpinstand =
         newLabel(this, "lblSpinstand", QStringLiteral("Spinstand Model"), 120, 165, 1620, 255);
-    cmbSpinstand_ = put(new QComboBox(this), "cmbSpinstand", 1800, 120, 3960, 315);
-    connect(cmbSpinstand_, &QComboBox::activated, this, &frmSerSet::cmbSpinstand_Click);
+    cmbSpinstand_ = put(new ModelList(this, [this](int index) { cmbSpinstand_Click(index); }), "cmbSpinstand",
+                        1800, 120, 3960, 315);
     lblSpinstand->setBuddy(cmbSpinstand_);
     usrSerialNumber_ = newProperty(this, "usrSerialNumber", 120, 600, 5640, 315, {});
     connect(usrSerialNumber_, &userProperty::ChangeValue, this, &frmSerSet::usrSerialNumber_ChangeValue);
@@ -96,9 +157,13 @@ void frmSerSet::Form_Load() {
 void frmSerSet::refresh() {
     IDriverService& service = *handles().service;
     showValue(usrHardwareRevision_, Variant(service.GetHardwareRevision()));
-    serialNumber_ = service.GetSerialNumber();
-    showValue(usrSerialNumber_, Variant(serialNumber_));
-    const bool unknown = service.GetSettingUnknown();
+    showValue(usrSerialNumber_, Variant(service.GetSerialNumber()));
+    refreshSettingStatus();
+}
+
+void frmSerSet::refreshSettingStatus() {
+    const bool unknown = handles().service->GetSettingUnknown();
+    settingUnknown_ = unknown;
     optService_->setChecked(unknown);
     optNormal_->setChecked(!unknown);
 }
@@ -118,17 +183,24 @@ void frmSerSet::cmbSpinstand_Click(int index) {
         [this] { refresh(); });
 }
 
+// The field commits on every Enter and focus loss; only a new serial number is sent. It is not read back
+// after it is written (once written, the text shown is the instrument's); a refused one is.
 void frmSerSet::usrSerialNumber_ChangeValue() {
     const Variant value = usrSerialNumber_->Value();
-    if (value.type() != Variant::Type::Text || value.text() == serialNumber_)
-        return; // the field commits on every Enter and focus loss; only a new serial number is sent
-    const std::string serial = value.text();
-    if (command([&serial] { handles().service->SetSerialNumber(serial); }))
-        serialNumber_ = serial;
+    if (value.type() != Variant::Type::Text || !usrSerialNumber_->Edited())
+        return;
+    writeValue([&value] { handles().service->SetSerialNumber(value.text()); },
+               [this, &value] { showValue(usrSerialNumber_, value); },
+               [this] { showValue(usrSerialNumber_, Variant(handles().service->GetSerialNumber())); });
 }
 
+// Only the other status is sent: a click on the option already chosen writes nothing. A refused status is
+// read back, so that the options show the instrument's.
 void frmSerSet::optSetting_Click(bool service) {
-    command([service] { handles().service->SetSettingUnknown(service); });
+    if (service == settingUnknown_)
+        return;
+    writeValue([service] { handles().service->SetSettingUnknown(service); },
+               [this, service] { settingUnknown_ = service; }, [this] { refreshSettingStatus(); });
 }
 
 void frmSerSet::cmdSave_Click() {

@@ -12,8 +12,17 @@
 #include <QAbstractButton>
 #include <QAccessible>
 #include <QApplication>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QGroupBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QRadioButton>
+#include <QStyleOption>
+#include <QTableView>
 #include <QTest>
 #include <gtest/gtest.h>
+#include <optional>
 #include <set>
 
 namespace vss {
@@ -79,6 +88,119 @@ TEST(Accessibility, ValueFieldsCarryTheCaptionsAPersonReads) {
     EXPECT_TRUE(names["frmIni"].contains("Pos1"));
     EXPECT_TRUE(names["frmIni"].contains("Load"));
     EXPECT_TRUE(names["frmIni"].contains("Radius"));
+    // Rows of the same caption on two sides are told apart by their side.
+    for (const char* name : {"Inner stopper", "Inner radius", "Inner skew", "Outer stopper", "Outer skew"})
+        EXPECT_TRUE(names["frmCus"].contains(name)) << name;
+}
+
+// What a control shows of its caption: the room the control gives the text against the width the text needs,
+// in pixels; nothing for a control without a caption.
+struct CaptionRoom {
+    QString text;
+    int room = 0;
+    int needed = 0;
+};
+
+std::optional<CaptionRoom> captionRoom(QWidget* w) {
+    const auto room = [w](const QString& text, int width) -> std::optional<CaptionRoom> {
+        const QString shown = QString(text).remove(QLatin1Char('&'));
+        if (shown.trimmed().isEmpty())
+            return std::nullopt;
+        return CaptionRoom{shown, width, w->fontMetrics().horizontalAdvance(shown)};
+    };
+    if (auto* label = qobject_cast<QLabel*>(w))
+        return label->wordWrap() ? std::nullopt : room(label->text(), label->contentsRect().width());
+    if (auto* button = qobject_cast<QAbstractButton*>(w)) {
+        QStyleOptionButton option;
+        option.initFrom(button);
+        option.text = button->text();
+        const QStyle::SubElement contents = qobject_cast<QRadioButton*>(w) ? QStyle::SE_RadioButtonContents
+                                            : qobject_cast<QCheckBox*>(w)  ? QStyle::SE_CheckBoxContents
+                                                                           : QStyle::SE_PushButtonContents;
+        return room(button->text(), w->style()->subElementRect(contents, &option, w).width());
+    }
+    if (auto* frame = qobject_cast<QGroupBox*>(w)) {
+        QStyleOptionGroupBox option;
+        option.initFrom(frame);
+        option.text = frame->title();
+        option.subControls = QStyle::SC_GroupBoxLabel | QStyle::SC_GroupBoxFrame;
+        const QRect label =
+            w->style()->subControlRect(QStyle::CC_GroupBox, &option, QStyle::SC_GroupBoxLabel, w);
+        return room(frame->title(), w->width() - label.left());
+    }
+    if (auto* list = qobject_cast<QComboBox*>(w)) {
+        QStyleOptionComboBox option;
+        option.initFrom(list);
+        const QRect field =
+            w->style()->subControlRect(QStyle::CC_ComboBox, &option, QStyle::SC_ComboBoxEditField, w);
+        return room(list->currentText(), field.width());
+    }
+    return std::nullopt;
+}
+
+// Every caption shows whole: labels, buttons, options, frame titles and the entry a list shows, and the
+// window's title across the window's width as a title bar (and the screenshots) draw it in bold. Each grid
+// shows whole rows only. The window tests run at 100 % and at 200 %.
+TEST(Layout, EveryCaptionOfEveryWindowShowsWholeAndGridsShowWholeRows) {
+    SessionHarness harness;
+    harness.openSession();
+    harness.prepareInstrument();
+    for (auto& [file, make] : screenshotScenes()) {
+        SCOPED_TRACE(file.toStdString());
+        std::unique_ptr<QWidget> window = make(nullptr);
+        window->show();
+        QFont bold = window->font();
+        bold.setBold(true);
+        EXPECT_LE(QFontMetrics(bold).horizontalAdvance(window->windowTitle()), window->width() - 16)
+            << window->windowTitle().toStdString();
+        for (QWidget* w : window->findChildren<QWidget*>()) {
+            const std::optional<CaptionRoom> caption = w->isVisible() ? captionRoom(w) : std::nullopt;
+            if (caption) {
+                EXPECT_LE(caption->needed, caption->room)
+                    << w->objectName().toStdString() << " \"" << caption->text.toStdString() << "\"";
+            }
+        }
+        for (auto* grid : window->findChildren<QTableView*>()) {
+            const int shown = grid->viewport()->height();
+            for (int row = 0; row < grid->model()->rowCount(); ++row) {
+                const int top = grid->rowViewportPosition(row);
+                if (top >= 0 && top < shown) {
+                    EXPECT_LE(top + grid->rowHeight(row), shown)
+                        << grid->objectName().toStdString() << " row " << row;
+                }
+            }
+        }
+    }
+}
+
+// A locked text box or list shows the button face, an editable one the window background, in every window.
+TEST(Layout, LockedFieldsAndListsLookLockedInEveryWindow) {
+    SessionHarness harness;
+    harness.openSession();
+    harness.prepareInstrument();
+    const QColor buttonFace = QApplication::palette().color(QPalette::Button);
+    int lockedLists = 0;
+    for (auto& [file, make] : screenshotScenes()) {
+        SCOPED_TRACE(file.toStdString());
+        std::unique_ptr<QWidget> window = make(nullptr);
+        window->show();
+        for (QWidget* w : window->findChildren<QWidget*>()) {
+            auto* list = qobject_cast<QComboBox*>(w);
+            auto* property = qobject_cast<userProperty*>(w->parentWidget());
+            auto* box = qobject_cast<QLineEdit*>(w);
+            if (!w->isVisible() || !(box || (list && property)) ||
+                qobject_cast<QComboBox*>(w->parentWidget()))
+                continue;
+            const bool locked = box ? box->isReadOnly() : property->Locked();
+            lockedLists += list && locked;
+            const QImage image = w->grab().toImage(); // inside the border, right of any text, above an arrow
+            const QColor fill = image.pixelColor(image.width() * 19 / 20, image.height() / 4 + 1);
+            EXPECT_EQ(fill == buttonFace, locked)
+                << w->objectName().toStdString() << " in " << w->parentWidget()->objectName().toStdString()
+                << " " << fill.name().toStdString();
+        }
+    }
+    EXPECT_GT(lockedLists, 0);
 }
 
 TEST(Accessibility, TheSpeedArrowsAreNamed) {

@@ -4,7 +4,9 @@
 #include <QFile>
 #include <QProcess>
 #include <QRegularExpression>
+#include <QSize>
 #include <QTemporaryDir>
+#include <QtEndian>
 #include <gtest/gtest.h>
 #include <utility>
 
@@ -16,10 +18,11 @@ struct Outcome {
     QString err;
 };
 
-Outcome start(const QString& program, const QStringList& arguments) {
+Outcome start(const QString& program, const QStringList& arguments, int scale = 1) {
     QProcess process;
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
     env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+    env.insert(QStringLiteral("QT_SCALE_FACTOR"), QString::number(scale));
     process.setProcessEnvironment(env);
     process.start(program, arguments);
     EXPECT_TRUE(process.waitForFinished(60000)) << program.toStdString() << " did not finish";
@@ -30,6 +33,16 @@ Outcome start(const QString& program, const QStringList& arguments) {
 
 Outcome vsstool(const QStringList& arguments) {
     return start(QStringLiteral(VSSTOOL_PATH), arguments);
+}
+
+// A PNG file's width and height, from its header.
+QSize pngSize(const QString& path) {
+    QFile file(path);
+    const QByteArray header = file.open(QIODevice::ReadOnly) ? file.read(24) : QByteArray();
+    if (header.size() < 24)
+        return {};
+    return {static_cast<int>(qFromBigEndian<quint32>(header.constData() + 16)),
+            static_cast<int>(qFromBigEndian<quint32>(header.constData() + 20))};
 }
 
 Outcome vsstoolConfig(const QStringList& arguments) {
@@ -133,6 +146,15 @@ TEST(CommandLine, ScreenshotsRenderEveryShellWindowAndTheTraceRecordsTheSession)
     for (const char* png : {"frmTop.png", "frmOpen-level0.png", "frmOpen-level1.png", "frmOpen-level2.png",
                             "frmFac.png", "frmSerStageMotor.png"})
         EXPECT_TRUE(QFile::exists(QDir(shots).filePath(QLatin1String(png)))) << png;
+    // At 200 % every window, with its frame, is rendered at twice the pixels.
+    const QString shots200 = dir.filePath(QStringLiteral("shots200"));
+    ASSERT_EQ(start(QStringLiteral(VSSTOOL_PATH),
+                    {QStringLiteral("--simulate"), QStringLiteral("--screenshots"), shots200}, 2)
+                  .exitCode,
+              0);
+    const QSize top = pngSize(QDir(shots).filePath(QStringLiteral("frmTop.png")));
+    EXPECT_FALSE(top.isEmpty());
+    EXPECT_EQ(pngSize(QDir(shots200).filePath(QStringLiteral("frmTop.png"))), top * 2);
 
     QFile file(trace);
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));

@@ -1,6 +1,7 @@
 #include "controls/userProperty.h"
 
 #include "HostWindow.h"
+#include "controls/FieldLayout.h"
 #include "controls/userText.h"
 
 #include <QCheckBox>
@@ -49,15 +50,19 @@ protected:
 
 } // namespace
 
+// The row is split by the field's own width, in twips to the pixel (the arithmetic: FieldLayout's test).
 TEST_F(UserPropertyTest, SplitsTheRowHalfAndHalfOrAtTheLabelWidth) {
+    const int row = vss::pixelsToTwips(control->width());
+    const auto placed = [](vss::Span span) { return twipsRect(span.left, 0, span.width, 300); };
     control->setValue(1.5);
-    EXPECT_EQ(txt()->geometry(), twipsRect(1505, 0, 1490, 300));
+    EXPECT_EQ(txt()->geometry(), placed(vss::propertyRowLayout(row, true, 0).editor));
     control->setLabelWidth(1200);
     control->setLayoutAuto(false);
-    EXPECT_EQ(lbl()->geometry(), twipsRect(5, 0, 1200, 300));
-    EXPECT_EQ(txt()->geometry(), twipsRect(1215, 0, 1790, 300));
+    const vss::PropertyRowLayout fixed = vss::propertyRowLayout(row, false, 1200);
+    EXPECT_EQ(lbl()->geometry(), placed(fixed.caption));
+    EXPECT_EQ(txt()->geometry(), placed(fixed.editor));
     control->setValue(true); // an editor switched in later follows the layout too
-    EXPECT_EQ(chk()->geometry(), twipsRect(1215, 0, 1790, 300));
+    EXPECT_EQ(chk()->geometry(), placed(fixed.editor));
 }
 
 TEST_F(UserPropertyTest, ShowsTheEditorThatTheTypeOfTheValueAsksFor) {
@@ -132,4 +137,20 @@ TEST_F(UserPropertyTest, LockingHoldsTheListAndTheTextButNotTheCheckBox) {
     EXPECT_EQ(control->Value(), Variant(true));
     control->setLocked(false);
     EXPECT_EQ(cmb()->palette().color(QPalette::Button), QApplication::palette(cmb()).color(QPalette::Base));
+}
+
+TEST_F(UserPropertyTest, PickingTheEntryShownIsNoEditAndTheCheckBoxAlwaysIsOne) {
+    fillList({10, 20});
+    control->setValue(std::int16_t{20});
+    emit cmb()->activated(1);
+    EXPECT_FALSE(control->Edited());
+    cmb()->setCurrentIndex(0);
+    emit cmb()->activated(0);
+    EXPECT_TRUE(control->Edited());
+
+    control->setValue(false);
+    clickCheckBox();
+    EXPECT_TRUE(control->Edited());
+    control->setValue(std::int32_t{7}); // the text editor's own rule
+    EXPECT_FALSE(control->Edited());
 }

@@ -42,8 +42,9 @@ TEST_F(UserTextTest, CommitsScaledNumbersOnEnterAndAgainOnLeaving) {
     EXPECT_EQ(changes, 3);
 }
 
-// The program taking the focus away (a window turning busy disables its controls, a closing one hides them) is
-// not the user leaving the field: nothing is committed, and the typed text waits for the user's own commit.
+// The program taking the focus away (a window turning busy disables its controls, a closing one hides them)
+// is not the user leaving the field: nothing is committed, and the typed text waits for the user's own
+// commit.
 TEST_F(UserTextTest, DisablingOrHidingTheFieldWithTheFocusCommitsNothing) {
     makeMillimetreField(0.0125);
     typeInto(txt(), "30");
@@ -117,6 +118,25 @@ TEST_F(UserTextTest, GivesTheUnitAStripAtTheRightOnlyWhenThereIsAUnit) {
     control->setOptStr("mm");
     EXPECT_EQ(txt()->geometry(), QRect(0, 0, vss::twipsToPixels(2400), control->height()));
     EXPECT_EQ(child<QLabel>("opt")->geometry(), vss::twipsRect(2400, 0, 600, 300));
-    control->setGeometry(vss::twipsRect(0, 0, 4500, 300));
-    EXPECT_EQ(child<QLabel>("opt")->x(), vss::twipsToPixels(3900));
+    control->setGeometry(vss::twipsRect(0, 0, 4500, 300)); // the strip stays at the right edge
+    EXPECT_EQ(child<QLabel>("opt")->x(), vss::twipsToPixels(vss::pixelsToTwips(control->width()) - 600));
+}
+
+// A commit that leaves the value the host set is no edit: passing through, Enter on it, the same number typed
+// again, rejected text. Another value is one until the host sets a value again.
+TEST_F(UserTextTest, AnEditIsACommittedValueOtherThanTheOneTheHostSet) {
+    control->setValue(std::int32_t{42});
+    leaveField();
+    for (const char* same : {"42", "42.0", "abc"}) {
+        commitByEnter(same);
+        EXPECT_FALSE(control->Edited()) << same;
+    }
+    commitByEnter("43");
+    EXPECT_TRUE(control->Edited());
+    control->setValue(std::int32_t{43}); // the value read back is the one committed: nothing new shown
+    EXPECT_FALSE(control->Edited());
+    commitByEnter("44");
+    control->setValue(std::int32_t{42});
+    EXPECT_EQ(txt()->text(), "42");
+    EXPECT_FALSE(control->Edited());
 }

@@ -5,9 +5,9 @@
 
 #include "customer/frmCus.h"
 #include "customer/frmCusStageConfig.h"
-#include "simulator/StageGeometry.h"
 #include "kit/Messages.h"
 #include "kit/modGlobal.h"
+#include "simulator/StageGeometry.h"
 #include "storage/modConfigFile.h"
 #include "tests/support/FailureSweep.h"
 #include "tests/support/FieldInput.h"
@@ -19,6 +19,7 @@
 #include <QTest>
 #include <algorithm>
 #include <gtest/gtest.h>
+#include <memory>
 
 namespace vss {
 namespace {
@@ -75,7 +76,7 @@ void withPage(WindowHarness& harness, const FormFactory& make, const std::functi
     harness.showModal(make);
 }
 
-TEST(MeasurementPositions, OpensWithSevenReadsAndEveryStopperCommitWritesAndRereadsItsSide) {
+TEST(MeasurementPositions, OpensWithSevenReadsAndAnEditedStopperIsWrittenAndItsSideReread) {
     WindowHarness harness;
     harness.openSession();
     handles().service->SetStopperPosition(0, *sim::angleFor(sim::StageGeometry{}, 0.0125));
@@ -87,56 +88,41 @@ TEST(MeasurementPositions, OpensWithSevenReadsAndEveryStopperCommitWritesAndRere
         EXPECT_FALSE(fieldBox(w, "usrStopperOD").isReadOnly());
         EXPECT_TRUE(fieldBox(w, "usrSkewOD").isReadOnly());
 
-        // Enter, then leaving the field: one write each, the same value, and only the inner side read back.
-        const double inner = handles().service->GetStopperPosition(0);
-        for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Tab}) {
-            harness.clearTrace();
-            commit(w, "usrStopperID", {}, key);
-            const Lines made = calls(harness);
-            ASSERT_EQ(made.size(), 3U);
-            EXPECT_TRUE(made[0].starts_with("IDriverService.SetStopperPosition(0, ")) << made[0];
-            EXPECT_EQ(Lines(made.begin() + 1, made.end()),
-                      Lines(kRefreshAll.begin(), kRefreshAll.begin() + 2));
-            EXPECT_EQ(handles().service->GetStopperPosition(0), inner);
-        }
+        // One write, and only the outer side read back; text that is not a number is no edit.
         const std::string radius = shownText(w, "usrRadiusOD");
+        harness.clearTrace();
         commit(w, "usrStopperOD", QStringLiteral("20"));
-        EXPECT_EQ(handles().service->GetStopperPosition(1), 20.0);
+        EXPECT_EQ(calls(harness),
+                  (Lines{"IDriverService.SetStopperPosition(1, 20)", kRefreshAll[2], kRefreshAll[3]}));
         EXPECT_EQ(WindowHarness::control<userText>(w, "usrRadiusOD").Value().toDouble(),
                   handles().service->GetMeasurementPosition(1).radius);
         EXPECT_NE(shownText(w, "usrRadiusOD"), radius);
-
-        // Text is not taken: the value is written unchanged. A refused stopper is reported once, not read
-        // back.
-        commit(w, "usrStopperID", QStringLiteral("abc"));
-        EXPECT_EQ(handles().service->GetStopperPosition(0), inner);
-        EXPECT_TRUE(harness.messages().empty());
+        const std::string inner = shownText(w, "usrStopperID");
         harness.clearTrace();
+        commit(w, "usrStopperID", QStringLiteral("abc"));
+        EXPECT_EQ(calls(harness), Lines{});
+
+        // A refused stopper is reported once and read back: the field shows the instrument's stopper.
         commit(w, "usrStopperID", QStringLiteral("99"));
-        EXPECT_EQ(calls(harness), Lines{"IDriverService.SetStopperPosition(0, 99)"});
         EXPECT_EQ(harness.messages().size(), 1U);
+        EXPECT_EQ(shownText(w, "usrStopperID"), inner);
         expectAllEnabled(w);
     });
 }
 
-// Viewing: only "Return" works and nothing takes typing; leaving a locked stopper still writes its unchanged
-// value, and the end of that write enables every button.
-TEST(MeasurementPositions, ViewOnlyLocksThePageButLeavingAStopperStillWritesIt) {
+// Viewing: only "Return" works and nothing takes typing; leaving a locked stopper writes nothing and leaves
+// the page as locked as it was.
+TEST(MeasurementPositions, ViewOnlyLocksThePageAndALeftStopperWritesNothing) {
     WindowHarness harness;
     harness.openSession();
-    const double outer = handles().service->GetStopperPosition(1);
     withPage(harness, page(true), [&](frmCus& w) {
-        for (QPushButton* b : w.findChildren<QPushButton*>())
-            EXPECT_EQ(b->isEnabled(), b->objectName() == "cmdReturn") << b->objectName().toStdString();
         for (QLineEdit* b : w.findChildren<QLineEdit*>())
             EXPECT_TRUE(b->isReadOnly());
         harness.clearTrace();
         commit(w, "usrStopperOD", QStringLiteral("25"), Qt::Key_Tab);
-        const Lines made = calls(harness);
-        ASSERT_FALSE(made.empty());
-        EXPECT_TRUE(made[0].starts_with("IDriverService.SetStopperPosition(1, ")) << made[0];
-        EXPECT_EQ(handles().service->GetStopperPosition(1), outer);
-        expectAllEnabled(w);
+        EXPECT_EQ(calls(harness), Lines{});
+        for (QPushButton* b : w.findChildren<QPushButton*>())
+            EXPECT_EQ(b->isEnabled(), b->objectName() == "cmdReturn") << b->objectName().toStdString();
     });
 }
 
@@ -166,7 +152,8 @@ TEST(MeasurementPositions, GroupButtonsSaveRecallExportAndImport) {
         ASSERT_TRUE(exported.open(QIODevice::ReadOnly));
         const QByteArray text = exported.readAll();
         EXPECT_EQ(text.count("Customer Configuration"), 2);
-        EXPECT_EQ(text.count("# %StageConfiguration"), 4) << "each report holds the information block, named twice";
+        EXPECT_EQ(text.count("# %StageConfiguration"), 4)
+            << "each report holds the information block, named twice";
 
         handles().service->SetStopperPosition(1, 30.0);
         handles().service->SetStageGeometry(2, 6.0);
@@ -261,8 +248,13 @@ SweptHandler pressing(std::string name, const char* button, std::string file = {
             file.empty() ? FailureEnds::OneMessage : FailureEnds::Transfer};
 }
 
-SweptHandler committing(const char* field) {
-    return {field, [field](WindowHarness&, Form& w) { commit(w, field); }};
+// Commits a value that differs from run to run: a value equal to the one read writes nothing.
+SweptHandler committing(const char* field, double first) {
+    auto runs = std::make_shared<int>(0);
+    return {.name = field,
+            .run = [field, first, runs](WindowHarness&,
+                                        Form& w) { commit(w, field, QString::number(first + ++*runs)); },
+            .edits = field};
 }
 
 // Cancel refused: one message and the page stays open (the sweep checks both).
@@ -277,8 +269,8 @@ TEST(FailureSweep, CustomerWindows) {
     ExportGroup(SettingGroup::CustomerStageConfiguration, stage, handles(), messageSink());
 
     int cases = testing::sweepFailures(harness, page(),
-                                       {committing("usrStopperID"),
-                                        committing("usrStopperOD"),
+                                       {committing("usrStopperID", 10),
+                                        committing("usrStopperOD", 25),
                                         {"Advanced",
                                          [](WindowHarness& h, Form& w) {
                                              h.whenActive<frmCusStageConfig>(
@@ -291,8 +283,9 @@ TEST(FailureSweep, CustomerWindows) {
                                         pressing("Export", "cmdExport", exported)});
     cases += testing::sweepFailures(
         harness, [](QWidget* p) { return std::make_unique<frmCusStageConfig>(p); },
-        {committing("usrTCSC"), committing("usrTCRP"), committing("usrOFST"), pressing("Cancel", "cmdCancel"),
-         pressing("Import", "cmdImport", stage), pressing("Export", "cmdExport", exported)});
+        {committing("usrTCSC", 80), committing("usrTCRP", 71), committing("usrOFST", 6),
+         pressing("Cancel", "cmdCancel"), pressing("Import", "cmdImport", stage),
+         pressing("Export", "cmdExport", exported)});
     EXPECT_GT(cases, 30);
 }
 

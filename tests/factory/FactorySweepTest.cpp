@@ -13,6 +13,7 @@
 
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
+#include <memory>
 
 namespace vss {
 namespace {
@@ -21,14 +22,23 @@ using testing::FailureEnds;
 using testing::SweptHandler;
 using testing::WindowHarness;
 
-SweptHandler clicking(const char* button) {
-    return {button, [button](WindowHarness&, Form& w) { WindowHarness::click(w, button); }};
+SweptHandler clicking(const char* button, std::string edits = {}) {
+    return {.name = button,
+            .run = [button](WindowHarness&, Form& w) { WindowHarness::click(w, button); },
+            .edits = std::move(edits)};
 }
-SweptHandler entering(const char* field, QString text) {
-    return {field, [field, text](WindowHarness&, Form& w) { testing::enterValue(w, field, text); }};
+// Enters a number that differs from run to run: a value equal to the one read writes nothing.
+SweptHandler entering(const char* field, int first) {
+    auto runs = std::make_shared<int>(first);
+    return {.name = field,
+            .run = [field, runs](WindowHarness&,
+                                 Form& w) { testing::enterValue(w, field, QString::number(++*runs)); },
+            .edits = field};
 }
 SweptHandler choosing(const char* field) {
-    return {field, [field](WindowHarness&, Form& w) { testing::chooseNext(w, field); }};
+    return {.name = field,
+            .run = [field](WindowHarness&, Form& w) { testing::chooseNext(w, field); },
+            .edits = field};
 }
 
 // A page opened from this one, closed with its close box ("Return" would first take the focus from the page's
@@ -70,23 +80,23 @@ TEST(FailureSweep, FactoryPages) {
     testing::FactorySession harness;
     int cases = sweep<frmFacSpinstand>(
         harness,
-        {choosing("usrSsType"), choosing("usrHeadFace"), entering("usrDiskSizeMin", "30"),
-         entering("usrDiskSizeMax", "46"), clicking("chkSettingUnknown"),
+        {choosing("usrSsType"), choosing("usrHeadFace"), entering("usrDiskSizeMin", 30),
+         entering("usrDiskSizeMax", 46), clicking("chkSettingUnknown", "chkSettingUnknown"),
          opening<frmFacSpinstandSpindle>("cmdSpindle"), opening<frmFacSpinstandStage>("cmdStage")},
         SettingGroup::Spinstand);
     cases += sweep<frmFacSpinstandSpindle>(harness,
-                                           {choosing("usrProperty_0"), entering("usrProperty_1", "3500"),
-                                            entering("usrProperty_3", "12000"), entering("usrRpmMin", "4200"),
-                                            entering("usrRpmMax", "12000")},
+                                           {choosing("usrProperty_0"), entering("usrProperty_1", 3500),
+                                            entering("usrProperty_3", 12000), entering("usrRpmMin", 4200),
+                                            entering("usrRpmMax", 12000)},
                                            SettingGroup::SpindleProperty);
     cases += sweep<frmFacSpinstandStage>(harness,
-                                         {choosing("usrProperty_0"), entering("usrProperty_9", "4000"),
+                                         {choosing("usrProperty_0"), entering("usrProperty_9", 4000),
                                           opening<frmBacklashCompen>("cmdBacklashCompen")},
                                          SettingGroup::StageProperty);
-    cases += sweep<frmBacklashCompen>(harness, {entering("usrBacklash_3", "140")},
+    cases += sweep<frmBacklashCompen>(harness, {entering("usrBacklash_3", 140)},
                                       SettingGroup::BacklashCompensation, "cmdExpBacklashDat",
                                       "cmdImpBacklashDat");
-    EXPECT_GT(cases, 100);
+    EXPECT_GE(cases, 100);
 }
 
 } // namespace

@@ -93,7 +93,7 @@ TEST(FrontPanel, TheInterlockSwitchedOnThePanelClosesTheOperationCheckAfterOneMe
         // A click the window system delivers, which a blocked window would not get.
         auto& interlock = WindowHarness::control<QCheckBox>(panel.window, "chkInput_0");
         QTest::mouseClick(panel.window.windowHandle(), Qt::LeftButton, {},
-                          interlock.mapTo(&panel.window, interlock.rect().center()));
+                          interlock.mapTo(&panel.window, WindowHarness::clickPoint(interlock)));
         closed = QTest::qWaitFor([&] { return !check.isVisible(); }, frmIni::kPollMs * 10);
     });
     EXPECT_TRUE(closed);

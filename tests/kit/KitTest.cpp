@@ -49,11 +49,14 @@ public:
     int refreshes = 0;
 };
 
-TEST(BusyBracket, DisablesEveryControlOfTheWindowIncludingFramesButNoOtherWindow) {
+// The bracket puts every control back as it found it: a button a view-only page disabled stays disabled.
+TEST(BusyBracket, DisablesEveryControlOfTheWindowIncludingFramesButNoOtherWindowAndPutsThemBack) {
     WindowHarness harness;
     SampleWindow w;
     w.show();
     EXPECT_EQ(w.controls().size(), 4) << "cmdGo, the frame, its check box, the text box";
+    QWidget& go = WindowHarness::control(w, "cmdGo");
+    go.setEnabled(false);
 
     w.DisableAllControls();
     for (QWidget* c : w.controls())
@@ -63,9 +66,10 @@ TEST(BusyBracket, DisablesEveryControlOfTheWindowIncludingFramesButNoOtherWindow
     EXPECT_TRUE(WindowHarness::waitCursorShown());
     EXPECT_TRUE(w.isBusy());
 
+    w.DisableAllControls(); // a second disabling inside the bracket changes what it found
     w.EnableAllControls();
     for (QWidget* c : w.controls())
-        EXPECT_TRUE(c->isEnabled()) << c->objectName().toStdString();
+        EXPECT_EQ(c->isEnabled(), c != &go) << c->objectName().toStdString();
     EXPECT_FALSE(WindowHarness::waitCursorShown());
 }
 
@@ -239,24 +243,24 @@ TEST(MessageSeam, StorageMessagesAndWindowMessagesArriveWithTheirTitles) {
     EXPECT_EQ(harness.messages()[1].title, "Velkor Spinstand Tool");
 }
 
-TEST(FileDialogSeam, RemembersTheLastFileAndKeepsItWhenCancelled) {
+// A cancelled dialog gives no file, so that no caller goes on with the last one; the last file chosen is
+// what the dialog holds when it opens again.
+TEST(FileDialogSeam, RemembersTheLastFileAndGivesNoneWhenCancelled) {
     WindowHarness harness;
     dlgConfigFile& dialog = dlgConfigFile::instance();
-    harness.answerFileDialog(std::nullopt);
     harness.answerFileDialog("/tmp/setting.csv");
     harness.answerFileDialog(std::nullopt);
 
-    EXPECT_EQ(dialog.showSave("Export Setting"), "") << "cancelled on first use: no file";
     EXPECT_EQ(dialog.showSave("Export Setting"), "/tmp/setting.csv");
-    EXPECT_EQ(dialog.showOpen("Import Setting"), "/tmp/setting.csv") << "cancelled: the last file again";
+    EXPECT_EQ(dialog.showOpen("Import Setting"), std::nullopt);
 
     const std::vector<FileDialogRequest>& asked = harness.fileDialogs();
-    ASSERT_EQ(asked.size(), 3U);
+    ASSERT_EQ(asked.size(), 2U);
     EXPECT_TRUE(asked[0].save);
-    EXPECT_FALSE(asked[2].save);
-    EXPECT_EQ(asked[2].title, "Import Setting");
-    EXPECT_EQ(asked[2].fileName, "/tmp/setting.csv");
-    EXPECT_EQ(asked[2].filter, "Text Files(*.csv)|*.csv|All Files(*.*)|*.*");
+    EXPECT_FALSE(asked[1].save);
+    EXPECT_EQ(asked[1].title, "Import Setting");
+    EXPECT_EQ(asked[1].fileName, "/tmp/setting.csv");
+    EXPECT_EQ(asked[1].filter, "Text Files(*.csv)|*.csv|All Files(*.*)|*.*");
 }
 
 TEST(FileDialogSeam, FilterPairsBecomeQtFilters) {

@@ -1,10 +1,10 @@
 // The operation panel with real clicks and keys on the simulated instrument, checked against its trace.
 
+#include "controls/Twips.h"
+#include "controls/userProperty.h"
 #include "kit/Messages.h"
 #include "kit/frmVersion.h"
 #include "kit/modGlobal.h"
-#include "controls/Twips.h"
-#include "controls/userProperty.h"
 #include "operation/frmIniPiezo.h"
 #include "operation/frmIniSetting.h"
 #include "tests/operation/OperationHarness.h"
@@ -249,6 +249,8 @@ TEST(OperationPanel, ATypedSpeedGoesToTheInstrumentWhichDecides) {
         ASSERT_EQ(harness.messages().size(), 1U);
         EXPECT_NE(harness.messages()[0].text.find("20000 rpm is outside the range"), std::string::npos);
         EXPECT_EQ(handles().driver->GetSpindleSpeed(), 5400);
+        EXPECT_EQ(fieldBox(panel, "usrRpm").text(), "5400")
+            << "the refused speed gives way to the instrument's";
         expectUsable(panel, false);
     });
 }

@@ -9,19 +9,19 @@
 #include "operation/frmIniPiezo.h"
 #include "operation/frmIniSetting.h"
 #include "storage/modConfigFile.h"
-#include "tests/support/FieldInput.h"
 #include "tests/support/FailureSweep.h"
+#include "tests/support/FieldInput.h"
 
 #include <QComboBox>
 #include <QLineEdit>
 #include <QTemporaryDir>
 #include <QTest>
 #include <gtest/gtest.h>
+#include <memory>
 
 namespace vss {
 namespace {
 
-using testing::enterValue;
 using testing::FailureEnds;
 using testing::SweptHandler;
 using testing::WindowHarness;
@@ -44,7 +44,8 @@ void loaded(WindowHarness& harness) {
     handles().driver->Load();
 }
 
-SweptHandler clicking(std::string name, const char* button, std::function<void(WindowHarness&)> prepare = atHome) {
+SweptHandler clicking(std::string name, const char* button,
+                      std::function<void(WindowHarness&)> prepare = atHome) {
     return {std::move(name), [button](WindowHarness&, Form& w) { WindowHarness::click(w, button); },
             FailureEnds::OneMessage, std::move(prepare)};
 }
@@ -58,11 +59,15 @@ template <class W> SweptHandler opening(std::string name, const char* button) {
 }
 
 SweptHandler selectingNext(std::string name, const char* list) {
-    return {std::move(name), [list](WindowHarness&, Form& w) {
-                auto& combo = WindowHarness::control<QComboBox>(w, list);
-                combo.setFocus();
-                QTest::keyClick(&combo, combo.currentIndex() + 1 < combo.count() ? Qt::Key_Down : Qt::Key_Up);
-            }};
+    return {.name = std::move(name),
+            .run =
+                [list](WindowHarness&, Form& w) {
+                    auto& combo = WindowHarness::control<QComboBox>(w, list);
+                    combo.setFocus();
+                    QTest::keyClick(&combo,
+                                    combo.currentIndex() + 1 < combo.count() ? Qt::Key_Down : Qt::Key_Up);
+                },
+            .edits = list};
 }
 
 // An arrow of the speed spinner; the stepping tolerates a speed range it cannot read.
@@ -73,12 +78,31 @@ SweptHandler stepping(std::string name, const char* arrow) {
                                       ->findChild<QWidget*>(QString::fromLatin1(arrow)),
                                   Qt::LeftButton);
             },
-            FailureEnds::OneMessage, atHome, {"IDriver.GetSpeedRange"}};
+            FailureEnds::OneMessage,
+            atHome,
+            {"IDriver.GetSpeedRange"}};
 }
 
-SweptHandler entering(std::string name, const char* field, QString text) {
-    return {std::move(name),
-            [field, text](WindowHarness&, Form& w) { enterValue(w, field, text); }};
+// Types into a field a text that differs from run to run (a value equal to the one read writes nothing), then
+// presses the button that sends it, or Enter.
+SweptHandler typing(std::string name, const char* field, std::function<QString(int run)> text,
+                    const char* button = nullptr) {
+    auto runs = std::make_shared<int>(0);
+    return {.name = std::move(name),
+            .run =
+                [field, text, button, runs](WindowHarness&, Form& w) {
+                    auto* box = WindowHarness::control(w, field).findChild<QLineEdit*>(QStringLiteral("txt"));
+                    if (!box)
+                        box = &WindowHarness::control<QLineEdit>(w, field);
+                    box->setFocus();
+                    box->selectAll();
+                    QTest::keyClicks(box, text(++*runs));
+                    if (button)
+                        WindowHarness::click(w, button);
+                    else
+                        QTest::keyClick(box, Qt::Key_Return);
+                },
+            .edits = field};
 }
 
 TEST(FailureSweep, OperationPanel) {
@@ -99,7 +123,7 @@ TEST(FailureSweep, OperationPanel) {
         clicking("Head loader up", "cmdHeadLoaderUp"),
         clicking("Reset", "cmdReset"),
         selectingNext("Spindle setting at home", "cmbStateAtHome"),
-        entering("Typed speed", "usrRpm", QStringLiteral("5400")),
+        typing("Typed speed", "usrRpm", [](int run) { return QString::number(4000 + 100 * run); }),
         stepping("Speed up", "up"),
         stepping("Speed down", "down"),
         opening<frmIniSetting>("Setting", "cmdSetting"),
@@ -133,11 +157,18 @@ TEST(FailureSweep, MeasurementSettingsAndVersion) {
 
     const std::vector<SweptHandler> settings{
         selectingNext("Load method", "cmbLoadMethod"),
-        clicking("Set load position", "cmdLoadPosition"),
+        typing(
+            "Set load position", "usrLoadRadius", [](int run) { return QString::number(20 + run); },
+            "cmdLoadPosition"),
         clicking("Reset load position", "cmdLoadPositionReset"),
-        clicking("Set data area", "cmdDataArea"),
+        typing(
+            "Set data area", "usrInnerRadius", [](int run) { return QString::number(15 + run); },
+            "cmdDataArea"),
         clicking("Reset data area", "cmdDataAreaReset"),
-        clicking("Disk size restriction", "chkDiskSizeRestrictionOn"),
+        {.name = "Disk size restriction",
+         .run = [](WindowHarness&, Form& w) { WindowHarness::click(w, "chkDiskSizeRestrictionOn"); },
+         .prepare = atHome,
+         .edits = "chkDiskSizeRestrictionOn"},
         {"Export",
          [exported](WindowHarness& h, Form& w) {
              h.answerFileDialog(exported);
@@ -155,12 +186,9 @@ TEST(FailureSweep, MeasurementSettingsAndVersion) {
         harness, [](QWidget* p) { return std::make_unique<frmIniSetting>(p); }, settings);
 
     const std::vector<SweptHandler> version{
-        {"Hardware revision", [](WindowHarness&, Form& w) {
-             WindowHarness::pressKey(w, "txtHwRevision", Qt::Key_Return);
-         }},
-        {"Serial number", [](WindowHarness&, Form& w) {
-             WindowHarness::pressKey(w, "txtSerialNumber", Qt::Key_Return);
-         }},
+        typing("Hardware revision", "txtHwRevision",
+               [](int run) { return QStringLiteral("HW-%1").arg(run); }),
+        typing("Serial number", "txtSerialNumber", [](int run) { return QStringLiteral("SN-%1").arg(run); }),
         clicking("Save", "cmdSave"),
         clicking("Recall", "cmdRecall"),
     };

@@ -25,15 +25,18 @@ using testing::FailureEnds;
 using testing::SweptHandler;
 using testing::WindowHarness;
 
-SweptHandler clicking(std::string name, const char* button) {
-    return {std::move(name), [button](WindowHarness&, Form& w) { WindowHarness::click(w, button); }};
+SweptHandler clicking(std::string name, const char* button, std::string edits = {}) {
+    return {.name = std::move(name),
+            .run = [button](WindowHarness&, Form& w) { WindowHarness::click(w, button); },
+            .edits = std::move(edits)};
 }
 
 // Types a value that differs from run to run: a value equal to the one shown writes nothing.
 SweptHandler entering(std::string name, const char* field, std::function<QString(int run)> value) {
     auto runs = std::make_shared<int>(0);
-    return {std::move(name),
-            [field, value, runs](WindowHarness&, Form& w) { enterValue(w, field, value(++*runs)); }};
+    return {.name = std::move(name),
+            .run = [field, value, runs](WindowHarness&, Form& w) { enterValue(w, field, value(++*runs)); },
+            .edits = field};
 }
 
 SweptHandler transferring(std::string name, const char* button, std::string file) {
@@ -95,7 +98,7 @@ TEST_F(PiezoSweep, PiezoDataAndControlData) {
 
 TEST_F(PiezoSweep, AdjustAndInformation) {
     const std::vector<SweptHandler> adjust{
-        clicking("Loop", "chkPiezoLoop"),
+        clicking("Loop", "chkPiezoLoop", "chkPiezoLoop"),
         entering("Adjust", "usrAdjust_0", [](int run) { return QString::number(2040 + run); }),
         transferring("Export", "cmdExport", exported),
         transferring("Import", "cmdImport", piezoFile),

@@ -2,10 +2,11 @@
 
 #include "kit/modGlobal.h"
 #include "service/frmSerSet.h"
-#include "tests/support/FieldInput.h"
 #include "tests/support/FailureSweep.h"
+#include "tests/support/FieldInput.h"
 #include "tests/support/WindowHarness.h"
 
+#include <QAbstractItemView>
 #include <QComboBox>
 #include <QFile>
 #include <QLineEdit>
@@ -32,10 +33,11 @@ QComboBox& modelList(QWidget& window) {
     return WindowHarness::control<QComboBox>(window, "cmbSpinstand");
 }
 
-// Chooses a list entry with the keyboard: Home the first model, Down the next, End "Recalled".
+// Chooses a list entry with the keyboard: Home the first model, Down the next, End "Recalled"; then Enter.
 void choose(QWidget& window, Qt::Key key) {
     modelList(window).setFocus();
     QTest::keyClick(&modelList(window), key);
+    QTest::keyClick(&modelList(window), Qt::Key_Return);
 }
 
 const FormFactory kSerSet = [](QWidget* parent) { return std::make_unique<frmSerSet>(parent); };
@@ -84,6 +86,42 @@ TEST_F(SerSet, ChoosingAModelWritesItAndRefreshesWhileRecalledSendsNothing) {
         EXPECT_EQ(writes(harness.trace()), (Lines{"IDriverService.SetSerialNumber(\"SS2208-0999\")",
                                                   "IDriverService.SetSettingUnknown(true)",
                                                   "IDriverService.SetSettingUnknown(false)"}));
+    });
+}
+
+// Moving through the list, closed or open, only selects; Enter applies the model selected, and so does the
+// key that closes the open list on an item. Escape closes the open list with nothing applied.
+TEST_F(SerSet, BrowsingTheModelListAppliesNothingUntilAModelIsChosen) {
+    withWindow([&](frmSerSet& w) {
+        QComboBox& list = modelList(w);
+        QWidget& open = *list.view();
+        const auto applied = [&] { // the model application's first write, if any
+            const Lines written = writes(harness.trace());
+            harness.clearTrace();
+            return written.empty() ? std::string() : written.front();
+        };
+        list.setFocus();
+        harness.clearTrace();
+        for (Qt::Key key : {Qt::Key_Home, Qt::Key_Down, Qt::Key_PageDown, Qt::Key_Up, Qt::Key_End, Qt::Key_V})
+            QTest::keyClick(&list, key);
+        EXPECT_EQ(list.currentIndex(), 0) << "typing finds the first model";
+        EXPECT_EQ(applied(), "");
+        QTest::keyClick(&list, Qt::Key_Return);
+        EXPECT_EQ(applied(), "IDriverService.SetHardwareRevision(\"R2208C-B\")");
+
+        list.showPopup();
+        QTest::keyClick(&open, Qt::Key_Down);
+        QTest::keyClick(&open, Qt::Key_Escape);
+        EXPECT_EQ(applied(), "");
+        for (Qt::Key close : {Qt::Key_Return, Qt::Key_F4}) {
+            list.showPopup();
+            QTest::keyClick(&open, Qt::Key_Down);
+            QTest::keyClick(&open, close);
+            EXPECT_FALSE(open.isVisible());
+            EXPECT_EQ(applied(), close == Qt::Key_Return
+                                     ? "IDriverService.SetHardwareRevision(\"R2208H-A\")"
+                                     : "IDriverService.SetHardwareRevision(\"R2208K-A\")");
+        }
     });
 }
 
@@ -178,8 +216,42 @@ TEST_F(SerSet, TheListEndsAtAnEmptyNameAndAnUnusableCatalogueLeavesOnlyRecalled)
                   "number from -2147483648 to 2147483647.");
 }
 
+// As in the console tool: a model that takes defaults is warned about, and one the instrument would refuse is
+// refused whole, before any write.
+TEST_F(SerSet, AModelIsWarnedAboutForItsDefaultsAndRefusedWholeBeforeAnyWrite) {
+    QTemporaryDir dir;
+    const QString file = dir.filePath(QStringLiteral("VssTool.ini"));
+    globals().catalogueFile = file.toStdString();
+    QFile out(file);
+    ASSERT_TRUE(out.open(QIODevice::WriteOnly));
+    out.write("1\nName,\"Bad\"\nSpinstandType,0\nSpeedMin,5000\nSpeedMax,4000\n");
+    out.close();
+    harness.clearTrace();
+    withWindow([&](frmSerSet& w) {
+        choose(w, Qt::Key_Home);
+        ASSERT_EQ(harness.messages().size(), 2u);
+        EXPECT_TRUE(harness.messages()[0].text.starts_with(
+            "Warning : The model 0 \"Bad\" takes defaults: HardwareRevision is not given, an empty text is "
+            "used; "
+            "HeadFace is not given, SSHEADFACE_UPFACE (0) is used; DiskSizeMin is not given, 0 is used;"))
+            << harness.messages()[0].text;
+        EXPECT_EQ(harness.messages()[1].text,
+                  "The model 0 \"Bad\" cannot be applied: the speed range 5000 to 4000 "
+                  "rpm (SpeedMin to SpeedMax) is empty. Nothing was written.");
+    });
+    EXPECT_EQ(writes(harness.trace()), Lines{});
+}
+
 SweptHandler clicking(std::string name, const char* button) {
     return {std::move(name), [button](WindowHarness&, Form& w) { WindowHarness::click(w, button); }};
+}
+
+// An option clicked from the other status: a refused one shows the instrument's status again.
+SweptHandler choosingStatus(std::string name, const char* option, bool service) {
+    return {.name = std::move(name),
+            .run = [option](WindowHarness&, Form& w) { WindowHarness::click(w, option); },
+            .prepare = [service](WindowHarness&) { handles().service->SetSettingUnknown(!service); },
+            .edits = "frmSetting"};
 }
 
 TEST(FailureSweep, ServiceSettings) {
@@ -187,12 +259,15 @@ TEST(FailureSweep, ServiceSettings) {
     WindowHarness harness;
     harness.openSession();
     const std::vector<SweptHandler> handlers{
-        {"Choose a model", [](WindowHarness&, Form& w) { choose(w, Qt::Key_Home); }},
-        {"Serial number", [](WindowHarness&, Form& w) { enterValue(w, "usrSerialNumber", "SS-1"); },
-         testing::FailureEnds::OneMessage,
-         [](WindowHarness&) { handles().service->SetSerialNumber("SS-0"); }},
-        clicking("Service", "optSetting_1"),
-        clicking("Normal", "optSetting_0"),
+        // A failure while a model is applied adds what of the model was written to the driver's text.
+        {"Choose a model", [](WindowHarness&, Form& w) { choose(w, Qt::Key_Home); },
+         testing::FailureEnds::Transfer},
+        {.name = "Serial number",
+         .run = [](WindowHarness&, Form& w) { enterValue(w, "usrSerialNumber", "SS-1"); },
+         .prepare = [](WindowHarness&) { handles().service->SetSerialNumber("SS-0"); },
+         .edits = "usrSerialNumber"},
+        choosingStatus("Service", "optSetting_1", true),
+        choosingStatus("Normal", "optSetting_0", false),
         clicking("Save", "cmdSave"),
         clicking("Recall", "cmdRecall"),
     };

@@ -1,6 +1,9 @@
 #include "tests/support/FailureSweep.h"
 
+#include <QAbstractButton>
 #include <QApplication>
+#include <QComboBox>
+#include <QLineEdit>
 #include <QWidget>
 #include <algorithm>
 #include <gtest/gtest.h>
@@ -43,6 +46,23 @@ void endRun(WindowHarness& harness) {
 }
 
 } // namespace
+
+std::string shownState(const QWidget& control) {
+    QList<const QWidget*> parts{&control};
+    for (const QWidget* part : control.findChildren<const QWidget*>())
+        parts.append(part);
+    std::string state;
+    for (const QWidget* part : parts) {
+        if (const auto* box = qobject_cast<const QLineEdit*>(part))
+            state += "[" + box->text().toStdString() + "]";
+        else if (const auto* list = qobject_cast<const QComboBox*>(part))
+            state += "<" + list->currentText().toStdString() + ">";
+        else if (const auto* button = qobject_cast<const QAbstractButton*>(part);
+                 button && button->isCheckable())
+            state += button->isChecked() ? "(x)" : "( )";
+    }
+    return state;
+}
 
 std::vector<std::string> operationsOf(const std::vector<std::string>& traceLines) {
     std::vector<std::string> ops;
@@ -94,7 +114,8 @@ int sweepFailures(WindowHarness& harness, const FormFactory& make, const std::ve
             for (const ShownMessage& m : shown) {
                 // A transfer's message may say where in the file the refused value stood.
                 if (handler.ends == FailureEnds::Transfer)
-                    EXPECT_NE(m.text.find(description), std::string::npos) << "a message that is not the failure's";
+                    EXPECT_NE(m.text.find(description), std::string::npos)
+                        << "a message that is not the failure's";
                 else
                     EXPECT_EQ(m.text, description) << "a message that is not the failure's";
             }
@@ -116,10 +137,18 @@ int sweepFailures(WindowHarness& harness, const FormFactory& make, const std::ve
             EXPECT_FALSE(window->isBusy()) << "the window stayed busy";
             for (const auto& [control, enabled] : enabledStates(*window)) {
                 const auto was = before.find(control);
-                if (was == before.end() || options.mayChangeEnabled.contains(control->objectName().toStdString()))
+                if (was == before.end() ||
+                    options.mayChangeEnabled.contains(control->objectName().toStdString()))
                     continue;
                 EXPECT_EQ(enabled, was->second)
                     << control->objectName().toStdString() << " is not as usable as before";
+            }
+            if (!handler.edits.empty() && op.find(".Set") != std::string::npos) {
+                const char* edited = handler.edits.c_str();
+                const std::unique_ptr<Form> afresh = make(nullptr);
+                EXPECT_EQ(shownState(WindowHarness::control(*window, edited)),
+                          shownState(WindowHarness::control(*afresh, edited)))
+                    << edited << " shows a value the instrument refused";
             }
             endRun(harness);
         }

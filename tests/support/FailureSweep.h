@@ -1,10 +1,12 @@
 #pragma once
 
-// The failure sweep: every handler of a window, with each driver operation it calls failing in turn. A handler
-// is first run once on the simulated instrument to learn from the trace which operations it calls; then, for
-// each of them, a fresh window runs the handler again with that operation failing once. Every run must end as
-// a failure of that handler ends: the failure's one message (or none, or the window closing, where the
-// window's rules say so), every control as usable as before, and the window still open unless it closes.
+// The failure sweep: every handler of a window, with each driver operation it calls failing in turn. A
+// handler is first run once on the simulated instrument to learn from the trace which operations it calls;
+// then, for each of them, a fresh window runs the handler again with that operation failing once. Every run
+// must end as a failure of that handler ends: the failure's one message (or none, or the window closing,
+// where the window's rules say so), every control as usable as before, and the window still open unless it
+// closes. A handler that writes what the user set in a control names the control: when one of its writes is
+// refused, the control shows what the instrument holds, as the same window opened afresh shows it.
 
 #include "kit/Form.h"
 #include "tests/support/WindowHarness.h"
@@ -18,8 +20,8 @@ namespace vss::testing {
 
 enum class FailureEnds {
     OneMessage, // the driver's description, once
-    Transfer,   // Export and Import: a failed transfer ends without a message; a refresh after it reports once
-    Closing,    // the window closes; no more than the one message
+    Transfer, // Export and Import: a failed transfer ends without a message; a refresh after it reports once
+    Closing,  // the window closes; no more than the one message
 };
 
 struct SweptHandler {
@@ -32,7 +34,13 @@ struct SweptHandler {
     std::function<void(WindowHarness&)> prepare = {};
     // Reads of this handler whose failure it tolerates by design: no message, a default stands in.
     std::set<std::string> tolerated = {};
+    // The control the handler edits (its object name; a frame stands for the options in it).
+    std::string edits = {};
 };
+
+// What a control shows: the texts of its text boxes and lists and the state of its check boxes and options,
+// its own and its parts'.
+std::string shownState(const QWidget& control);
 
 struct SweepOptions {
     // Operations not swept: what a polling window reads on its own between the handler's steps.

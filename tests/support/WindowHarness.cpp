@@ -7,6 +7,10 @@
 #include "driver/Types.h"
 
 #include <QAbstractButton>
+#include <QCheckBox>
+#include <QRadioButton>
+#include <QStyle>
+#include <QStyleOptionButton>
 #include <QTest>
 #include <gtest/gtest.h>
 
@@ -135,8 +139,22 @@ void WindowHarness::abandonSteps() {
         modal->close();
 }
 
+// A wide check box or option takes clicks only on its mark and its text.
+QPoint WindowHarness::clickPoint(const QAbstractButton& button) {
+    const bool check = qobject_cast<const QCheckBox*>(&button);
+    if (!check && !qobject_cast<const QRadioButton*>(&button))
+        return button.rect().center();
+    QStyleOptionButton option;
+    option.initFrom(&button);
+    return button.style()
+        ->subElementRect(check ? QStyle::SE_CheckBoxIndicator : QStyle::SE_RadioButtonIndicator, &option,
+                         &button)
+        .center();
+}
+
 void WindowHarness::click(QWidget& window, const char* controlName) {
-    QTest::mouseClick(&control<QAbstractButton>(window, controlName), Qt::LeftButton);
+    QAbstractButton& button = control<QAbstractButton>(window, controlName);
+    QTest::mouseClick(&button, Qt::LeftButton, {}, clickPoint(button));
 }
 
 void WindowHarness::typeText(QWidget& window, const char* controlName, const QString& text) {

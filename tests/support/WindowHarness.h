@@ -29,6 +29,8 @@ class frmTop;
 class frmOpen;
 } // namespace vss
 
+class QAbstractButton;
+
 namespace vss::testing {
 
 struct ShownMessage {
@@ -92,6 +94,8 @@ public:
 
     // Real events on a window's controls, found by name.
     static void click(QWidget& window, const char* controlName);
+    // Where a person clicks a button: a check box or an option on its mark, any other button in its middle.
+    static QPoint clickPoint(const QAbstractButton& button);
     static void typeText(QWidget& window, const char* controlName, const QString& text);
     static void pressKey(QWidget& window, const char* controlName, Qt::Key key,
                          Qt::KeyboardModifiers modifiers = Qt::NoModifier);
