@@ -1,6 +1,7 @@
 #include "app/frmTop.h"
 
 #include "app/frmOpen.h"
+#include "driver/DriverError.h"
 #include "driver/Handles.h"
 #include "kit/modGlobal.h"
 #include "simulator/Factory.h"
@@ -56,7 +57,18 @@ void frmTop::cmdOpen_Click() {
 
     runBusy([&] {
         g.handles.driver->Open(txtRsrcString_->text().toStdString());
-        g.handles.service->BeginService();
+        try {
+            g.handles.service->BeginService();
+        } catch (const DriverError&) {
+            // A session whose service cannot begin is closed again, so that the instrument is not left held
+            // open by a program that has no session on it.
+            try {
+                g.handles.driver->Close();
+            } catch (const DriverError&) {
+                // the first failure is the one reported
+            }
+            throw;
+        }
         frmOpen menu(this);
         execModal(menu);
     });

@@ -187,6 +187,20 @@ bool userProperty::Edited() const {
     return !(value == assigned_ || value.equals(assigned_));
 }
 
+void userProperty::keepValue() {
+    if (isTextMode(mode_))
+        txt_->keepValue();
+    assigned_ = Value();
+}
+
+void userProperty::revert() {
+    const QSignalBlocker quiet(this);
+    if (isTextMode(mode_))
+        txt_->revert();
+    else
+        setValue(Variant(assigned_));
+}
+
 void userProperty::setValue(const Variant& value) {
     assigned_ = value;
     if (value.type() != mode_) {

@@ -71,6 +71,10 @@ public:
     // Whether the value differs from the one the host last set (as userText::Edited): picking the entry
     // already selected, or a commit of unchanged text, is no edit. A click on the check box always is.
     bool Edited() const;
+    // As userText: the committed value kept after a write that went through; the host's last value shown
+    // again after a refused one (raising no ChangeValue).
+    void keepValue();
+    void revert();
 
 signals:
     // Raised when the user picks a list entry (also the one already selected) or clicks the check box, when a

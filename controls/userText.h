@@ -29,6 +29,11 @@ public:
     // alike). The host sets what it read from the instrument: a commit that is no edit (the keyboard passing
     // through, Enter on the value as shown, the same number typed again) is for the host to write nothing.
     bool Edited() const { return !(value_ == assigned_ || value_.equals(assigned_)); }
+    // After a write of the committed value went through: it is the instrument's, and the one Edited compares
+    // with, even when it cannot be read back.
+    void keepValue() { assigned_ = value_; }
+    // After a refused write: the value the host last set is shown again (raising no ChangeValue).
+    void revert() { setValue(Variant(assigned_)); }
 
     // Shown = Value / DblScale; a committed number becomes number * DblScale. Stored only: set it, and
     // DigitNum, before the value, because the shown text is not reformatted.

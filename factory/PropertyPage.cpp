@@ -56,8 +56,9 @@ void PropertyPage::usrProperty_ChangeValue(int index) {
     const std::int16_t id = rows_->id(index);
     const Variant value = rows_->value(index);
     const Family f = family_;
-    writeValue([f, id, value] { (handles().service.get()->*f.write)(id, value); },
-               [this, index] { rows_->refreshRow(index); });
+    const auto refresh = [this, index] { rows_->refreshRow(index); };
+    writeValue(rows_->row(index), [f, id, value] { (handles().service.get()->*f.write)(id, value); }, refresh,
+               refresh);
 }
 
 } // namespace vss

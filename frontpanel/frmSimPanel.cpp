@@ -80,12 +80,14 @@ frmSimPanel::frmSimPanel(std::shared_ptr<sim::SimInstrument> instrument, QWidget
             // A scenario's or the simulator's text, under the one rule for outside texts.
             const QString shown = QString::fromStdString(shownText(text.toStdString()));
             QMessageBox box(QMessageBox::NoIcon, windowTitle(), shown, QMessageBox::Ok, this);
+            box.setTextFormat(Qt::PlainText); // never read as markup
             box.setWindowModality(Qt::WindowModal);
             box.exec();
         },
         [this](const QString& question) {
             QMessageBox box(QMessageBox::Question, windowTitle(), question,
                             QMessageBox::Yes | QMessageBox::No, this);
+            box.setTextFormat(Qt::PlainText);
             box.setDefaultButton(QMessageBox::No);
             box.setWindowModality(Qt::WindowModal);
             return box.exec() == QMessageBox::Yes;

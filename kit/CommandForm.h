@@ -28,7 +28,12 @@ protected:
     // again; a restore that fails as well adds no message to the refusal's, and the control keeps what it
     // showed. A commit raised while the window is busy (the field losing the focus to the window's own
     // disabling) belongs to the write under way and writes nothing. Returns whether the write went through.
+    // The value field whose commit raised the write (the signal's sender, or `field` where a page relays the
+    // commit) is kept in step: after a write that went through its value is the instrument's even when the
+    // follow-up cannot read it back; after a refusal it shows what the window last set before the restore.
     bool writeValue(const std::function<void()>& write, const std::function<void()>& followUp,
+                    const std::function<void()>& restore);
+    bool writeValue(QObject* field, const std::function<void()>& write, const std::function<void()>& followUp,
                     const std::function<void()>& restore);
     // The usual case: the same read-back after a write that went through and after a refused one.
     bool writeValue(const std::function<void()>& write, const std::function<void()>& readBack) {

@@ -250,11 +250,14 @@ QAbstractButton* Form::button(const char* name) const {
 
 // The close box of a window with "Cancel" undoes what Cancel undoes instead of keeping the edits: it presses
 // Cancel, which closes the window once the restore went through and leaves it open when the instrument
-// refused it. A window busy with a command cannot be cancelled; it closes as any window does (the panel below
-// it closing everything above it on an interlock). The close box of any other window unloads it, as Return
-// does.
+// refused it. While such a window is busy (Cancel or another command under way) a close waits: closing then
+// would skip the restore and keep the edits. The close box of any other window unloads it, as Return does.
 void Form::closeEvent(QCloseEvent* event) {
     QAbstractButton* cancel = button("cmdCancel");
+    if (cancel && isBusy() && isVisible()) {
+        event->ignore();
+        return;
+    }
     if (!cancel || !cancel->isEnabled() || !isVisible()) {
         QDialog::closeEvent(event);
         return;

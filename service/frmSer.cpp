@@ -449,7 +449,7 @@ std::string frmSer::restoreLoadSetting(const LoadSetting& saved) {
             step();
         } catch (const std::exception& e) {
             problems +=
-                (problems.empty() ? "" : "\n") + what.toStdString() + " could not be put back: " + e.what();
+                (problems.empty() ? "" : " ") + what.toStdString() + " could not be put back: " + e.what();
         }
     };
     // The load position goes back exactly as it was read, its skew with its radius: a skew of its own is

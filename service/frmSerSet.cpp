@@ -176,7 +176,8 @@ void frmSerSet::selectRecalled() {
 void frmSerSet::cmbSpinstand_Click(int index) {
     if (index < 0 || index == cmbSpinstand_->count() - 1)
         return;
-    command(
+    // A model refused part-way has written some of its values: the page reads back what the instrument holds.
+    writeValue(
         [index] {
             ApplySpinstandDefinition(static_cast<std::int16_t>(index), *handles().service, messageSink());
         },

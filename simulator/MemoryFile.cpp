@@ -108,17 +108,23 @@ std::string writeWhole(const fs::path& file, const std::string& text) {
     if (out == nullptr)
         return reasonOf(errno);
     bool written = std::fwrite(text.data(), 1, text.size(), out) == text.size() && std::fflush(out) == 0;
+#ifndef _WIN32
+    // On the disk before the rename puts it in the file's place, so that a power loss leaves the old file or the
+    // new one, never an empty one.
+    written = written && ::fsync(::fileno(out)) == 0;
+#endif
     const int error = errno;
     written = std::fclose(out) == 0 && written;
     return written ? std::string() : reasonOf(error != 0 ? error : errno);
 }
 
 // Ctrl-C, or a terminal closed, while a file is written takes effect once the file is in place, so that no
-// temporary file outlives the program.
+// temporary file outlives the program. Signals are held on the writing thread only: one that another thread
+// of the program takes may still end it mid-write, and the next session's Open removes what it left.
 class SignalsHeld {
 public:
 #ifdef _WIN32
-    SignalsHeld() = default;
+    SignalsHeld() {} // Windows: Ctrl-C is not held back; a temporary file left by it is removed at the next Open
 #else
     SignalsHeld() {
         sigset_t held;

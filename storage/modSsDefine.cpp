@@ -73,7 +73,7 @@ const KeyDef kKeys[] = {
 constexpr std::string_view kDownFace = "SSHEADFACE_DOWNFACE";
 constexpr std::string_view kUpFace = "SSHEADFACE_UPFACE";
 
-// A default that a model takes is kept, as designed, and noted; the note is said when the model is applied.
+// A default that a model takes is kept and noted; the note is said when the model is applied.
 // Every key but the name (which ends the list) and the description (never sent) starts out noted as not
 // given.
 std::map<std::string, std::string> keysNotGiven() {
@@ -439,7 +439,7 @@ bool ApplySpinstandDefinition(std::int16_t index, IDriverService& service, Messa
     const SpinstandDefinition& d = table()[static_cast<std::size_t>(index)];
     const std::string model = "model " + std::to_string(index) + " " + inQuotes(d.Name);
 
-    // The catalogue's defaults stay as designed, and the user learns which a model takes, in one message.
+    // The catalogue's defaults stay, and the user learns which a model takes, in one message.
     std::string defaults;
     for (const KeyDef& def : kKeys)
         if (const auto note = d.defaultsUsed.find(std::string(def.key)); note != d.defaultsUsed.end())

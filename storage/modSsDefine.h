@@ -17,7 +17,7 @@
 // Applying a model writes it whole or says what it left: the model is checked against the instrument's lists
 // before its first write, and a value the instrument still refuses names what was written and what was not.
 // The defaults a model takes (a key the file does not give, a head face word that is neither face) are kept
-// as designed and warned about each time the model is applied, in one message naming the keys and the values
+// kept and warned about each time the model is applied, in one message naming the keys and the values
 // used.
 
 #include "driver/Interfaces.h"

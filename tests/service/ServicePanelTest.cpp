@@ -233,6 +233,30 @@ TEST(ServicePanel, RefusedInputAndCommandsEndInOneMessageAndThePanelShowsTheInst
     });
 }
 
+// The speed field stays in step with the instrument when the read-back after a write fails: a speed that went
+// through counts as the instrument's (typing the old one again sends it), a refused one is not shown.
+TEST(ServicePanel, ASpeedWhoseReadBackFailsStaysInStepWithTheInstrument) {
+    WindowHarness harness(inMemory());
+    openInstrument(harness);
+    withPanel(harness, [&](frmSer& panel) {
+        const std::int32_t before = WindowHarness::control<userProperty>(panel, "usrRpm").Value().int32();
+        const std::int32_t other = before == 5400 ? 4200 : 5400;
+        harness.sim().failOperation("IDriverService.GetSpindleRpm", "no answer");
+        enterValue(panel, "usrRpm", QString::number(other));
+        harness.clearTrace();
+        enterValue(panel, "usrRpm", QString::number(before));
+        EXPECT_EQ(commands(harness.trace()),
+                  Lines{"IDriverService.SetSpindleRpm(" + std::to_string(before) + ")"})
+            << "the speed that went through counts as the instrument's";
+
+        harness.sim().failOperation("IDriverService.SetSpindleRpm", "refused");
+        harness.sim().failOperation("IDriverService.GetSpindleRpm", "no answer");
+        enterValue(panel, "usrRpm", "10000");
+        EXPECT_EQ(WindowHarness::control<userProperty>(panel, "usrRpm").Value(), Variant(before))
+            << "a refused speed gives way to the one last shown";
+    });
+}
+
 TEST(ServicePanel, DataButtonsOpenTheirWindowsWhenTheyAreBuilt) {
     struct StandIn : Form {
         StandIn(QWidget* parent, std::vector<std::string>& opened, std::string what) : Form(parent) {

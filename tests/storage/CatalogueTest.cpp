@@ -239,7 +239,7 @@ TEST_F(ApplyingAModel, AModelTheInstrumentWouldRefuseIsRefusedWholeBeforeAnyWrit
     EXPECT_EQ(writes(), Lines{});
 }
 
-// The defaults of the design stay; each model that takes one says so once, naming the keys and the values
+// The catalogue's defaults stay; each model that takes one says so once, naming the keys and the values
 // used.
 TEST_F(ApplyingAModel, DefaultsAreKeptAndWarnedAboutOncePerModel) {
     std::string models = kModels;
