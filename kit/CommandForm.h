@@ -25,9 +25,8 @@ protected:
 
     // Writes what the user set in a control: the write in the busy bracket, then, when it went through, its
     // follow-up as command does. When it was refused, `restore` reads the instrument's value into the control
-    // again; a restore that fails as well adds no message to the refusal's, and the control keeps what it
-    // showed. A commit raised while the window is busy (the field losing the focus to the window's own
-    // disabling) belongs to the write under way and writes nothing. Returns whether the write went through.
+    // again; a restore that fails as well adds no message to the refusal's. A commit raised while the window
+    // is busy belongs to the write under way and writes nothing. Returns whether the write went through.
     // The value field whose commit raised the write (the signal's sender, or `field` where a page relays the
     // commit) is kept in step: after a write that went through its value is the instrument's even when the
     // follow-up cannot read it back; after a refusal it shows what the window last set before the restore.

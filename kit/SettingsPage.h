@@ -97,8 +97,8 @@ private:
 };
 
 // Whether a field's commit on the page is to be left alone. A field raises its commit on every Enter and
-// every loss of the focus, locked or not: no field of a view-only page writes. And a field losing the focus
-// as the page turns busy commits again: that is the commit already running.
+// every loss of the focus, locked or not: no field of a view-only page writes, and nothing commits while the
+// page is busy with a command.
 inline bool commitIgnored(const SettingsPage& page) {
     return page.isBusy() || page.ViewOnly();
 }

@@ -234,7 +234,7 @@ public:
         SetEndOfFile(handle_);
         WriteFile(handle_, me.data(), static_cast<DWORD>(me.size()), &written, nullptr);
 #else
-        fd_ = ::open(lock.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0644);
+        fd_ = ::open(lock.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0644);
         if (fd_ < 0)
             refuse(name, lock, reasonOf(errno));
         if (::flock(fd_, LOCK_EX | LOCK_NB) != 0) {
@@ -341,6 +341,9 @@ std::optional<WorkingValues> MemoryFile::readWorking() const {
         readText(pathFromUtf8(name), name, "working values file", kWorkingAdvice);
     if (!text)
         return std::nullopt;
+    if (text->empty() || *text == "\xEF\xBB\xBF")
+        throw DriverError("The simulator's working values file " + name + " is empty. " +
+                          std::string(kWorkingAdvice));
     try {
         return readWorkingValues(*text);
     } catch (const SettingsError& e) {

@@ -3,7 +3,7 @@
 // Comparing a setting file with the instrument without changing it: the file is read as an import would read
 // it, and each value is compared with what the instrument holds now. Values compare by their text in the
 // file, so a double equals the instrument's when it has the same 15 significant digits. Texts of the file and
-// of the instrument come escaped (see printable in Messages.h), so that printing a difference prints one
+// of the instrument come escaped (see printable in driver/ShownText.h), so that printing a difference prints one
 // line. A driver failure while the instrument is read (its property list, a property's value) throws the
 // DriverError: no value is taken for equal or allowed because it could not be read.
 

@@ -141,7 +141,7 @@ TEST(FailureSweep, OperationPanel) {
                      "IDriverService.GetOuterCover"},
          // The spindle state shows no text when it cannot be read.
          .tolerated = {"IDriverService.GetSpindleState"},
-         // The position buttons follow the instrument's state: a refresh that fails leaves them enabled.
+         // The position buttons follow the instrument's state: a refresh that fails leaves them as they were.
          .mayChangeEnabled = {"cmdPosInner", "cmdPosOuter", "cmdPos1", "cmdPos2", "cmdPos3"}});
     EXPECT_GT(cases, 100);
 }

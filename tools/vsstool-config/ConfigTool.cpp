@@ -277,7 +277,7 @@ private:
         try {
             applied = ImportGroup(findGroup(action.group)->importCode, action.file, h_, sink_);
         } catch (const std::exception& e) {
-            throw std::runtime_error(std::string(e.what()) + " " + capitalized(inPart) +
+            throw std::runtime_error(std::string(clause(e.what())) + ". " + capitalized(inPart) +
                                      " stopped there and may be applied in part; no later action runs");
         }
         if (sink_.fileFailures() > fileFailures)
