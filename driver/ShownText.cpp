@@ -140,6 +140,12 @@ std::string_view clause(std::string_view sentence) {
     return sentence;
 }
 
+std::string capitalized(std::string text) {
+    if (!text.empty() && text[0] >= 'a' && text[0] <= 'z')
+        text[0] = static_cast<char>(text[0] - 'a' + 'A');
+    return text;
+}
+
 std::string_view withoutByteOrderMark(std::string_view text) {
     if (text.starts_with(kByteOrderMark))
         text.remove_prefix(kByteOrderMark.size());

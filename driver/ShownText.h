@@ -35,6 +35,8 @@ std::string cutPrintable(std::string_view text, std::size_t maxChars = kQuoteLim
 // A sentence that becomes part of another one (after a colon, before a parenthesis): without its full stop,
 // so that no message ends in two.
 std::string_view clause(std::string_view sentence);
+// A clause that begins a sentence: its first letter in capitals.
+std::string capitalized(std::string text);
 
 // The UTF-8 byte-order mark, with which any text file the program reads may begin.
 inline constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";

@@ -93,7 +93,7 @@ public:
             return Variant(dbl());
         if (tag == "(Boolean)")
             return Variant(flg());
-        stop("no value of a known type (\"" + printable(tag, fileio::kQuotedLength) + "\") for " + item_,
+        stop("no value of a known type (\"" + printable(tag, kQuoteLimit) + "\") for " + item_,
              tagAt_);
     }
 

@@ -365,7 +365,7 @@ void fileio::raise(std::string_view text) {
 
 NumberOutOfRange fileio::outOfRange(std::string_view typeName) const {
     const FieldPosition where = tokenPosition();
-    return NumberOutOfRange("Overflow: \"" + printable(token_, kQuotedLength) + "\" does not fit " +
+    return NumberOutOfRange("Overflow: \"" + printable(token_, kQuoteLimit) + "\" does not fit " +
                                 std::string(typeName) + " (" + fileName_ + ", line " +
                                 std::to_string(where.line) + ", field " + std::to_string(where.field) + ")",
                             where);
@@ -493,9 +493,7 @@ void fileio::refuseFile(const std::string& reason) {
         return; // said once
     failed_ = true;
     pending_.clear();
-    std::string text = reason;
-    text.front() = static_cast<char>(std::toupper(static_cast<unsigned char>(text.front())));
-    report(sink_, text + ". Nothing was written to " + fileName_ + ".", kErrorTitle,
+    report(sink_, capitalized(reason) + ". Nothing was written to " + fileName_ + ".", kErrorTitle,
            FieldPosition{fileName_, 0, 0, true});
 }
 

@@ -60,8 +60,6 @@ public:
     static constexpr std::size_t kReadBufferSize = 64 * 1024;
     // The longest field read; the tool's own fields are a few dozen bytes.
     static constexpr std::size_t kMaxFieldLength = 4 * 1024 * 1024;
-    // How much of a field a message quotes.
-    static constexpr std::size_t kQuotedLength = kQuoteLimit;
 
     explicit fileio(MessageSink& sink);
     ~fileio();

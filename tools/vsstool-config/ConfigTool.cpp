@@ -159,12 +159,6 @@ private:
     std::optional<TemporaryPath> copy_;
 };
 
-std::string capitalized(std::string text) {
-    if (!text.empty() && text[0] >= 'a' && text[0] <= 'z')
-        text[0] = static_cast<char>(text[0] - 'a' + 'A');
-    return text;
-}
-
 std::string joined(const std::vector<std::string>& names) {
     std::string text;
     for (const std::string& name : names)
